@@ -1,0 +1,326 @@
+#pragma once
+
+#include <animationmodel/AnimationKey.h>
+#include <animationmodel/export.h>
+
+#include <initializer_list>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace Kiv {
+
+/// Layers by name, in byte-wise order of the names.
+using LayerMap = std::map<std::string, KeyVector>;
+
+/// Named layers of keys that play side by side from frame 0, one layer per output channel.
+///
+///     a | A A A A | B B B B B B |     the duration is that of the longest layer: 10 frames
+///     b | C C C C C C | ~ ~ ~ ~ |     ~ a Wait key that fills a shorter layer
+///       |intro|           |outro|     introSize 3 from the start, outroSize 3 from the end
+///       0     3           7     10    ranges are half-open: the outro is frames 7, 8 and 9
+///
+/// Frames are whole numbers, counted from 0; `fps` is in frames per second; values are floats.
+///
+/// A constructor that takes layers fills the shorter ones up to the duration D with one `Wait` key
+/// each and then checks, in this order and throwing std::invalid_argument: that the frame rate is
+/// not 0 or less (a NaN passes), that each layer lasts less than 2^31 frames, that `introSize` and
+/// `outroSize` are each at most D, and that they do not overlap. Editing does neither: afterwards
+/// layers may differ in length and the sizes may no longer fit, until the next copy fills and
+/// checks again.
+///
+/// Every edit either succeeds or leaves the animation as it was, running out of memory
+/// (std::bad_alloc) included. Arguments may be parts of the animation itself: they count as if
+/// copied first. Frames are added as unsigned 32-bit numbers; keep layers below 2^31 frames.
+/// Costs are linear in what each operation names, with a look-up for each layer name.
+///
+/// Distinct animations share nothing but `defaultFps`. Const operations may run at the same time.
+class ANIMATIONMODEL_EXPORT Animation {
+public:
+    /// The frame rate, 25 at first, that `reset()` and the constructors without another one take.
+    /// Not synchronised: change it while no other thread constructs, resets or loops.
+    static float defaultFps;
+
+    /// No layers. Throws std::invalid_argument if `defaultFps` is 0 or less.
+    Animation();
+
+    /// No layers, at `fps` frames per second. Throws std::invalid_argument if it is 0 or less.
+    explicit Animation(float fps);
+
+    /// Copies of `layers`, without intro and outro, at `defaultFps`. Fills and checks.
+    Animation(const LayerMap& layers);
+
+    /// Copies of `layers` with an intro and an outro of so many frames. Fills and checks.
+    Animation(const LayerMap& layers, unsigned int introSize, unsigned int outroSize);
+
+    /// A copy of everything, which it then fills and checks. Never throws std::invalid_argument
+    /// for an animation as constructed; may do so for an edited one.
+    Animation(const Animation& other);
+    /// The value exactly as it is, neither filled nor checked. `other` is left without layers, with
+    /// sizes 0.
+    Animation(Animation&& other) noexcept;
+    /// Like the copy constructor; unchanged if that throws.
+    Animation& operator=(const Animation& other);
+    /// Like the move constructor.
+    Animation& operator=(Animation&& other) noexcept;
+    virtual ~Animation();
+
+    /// \name Questions
+    /// @{
+
+    /// A copy of the keys of a layer.
+    /// Throws std::invalid_argument, naming it, if there is no layer of that name.
+    KeyVector layer(const std::string& name) const;
+
+    /// Whether there is a layer of that name, be it empty.
+    bool hasLayer(const std::string& name) const;
+
+    /// Whether no layer holds a key.
+    bool empty() const;
+
+    /// Frames of the longest layer; 0 without keys. Costs all keys.
+    unsigned int durationInFrames() const;
+    /// Frames of the longest of `layers`; 0 without keys.
+    static unsigned int durationInFramesOf(const LayerMap& layers);
+    /// Frames of one layer; 0 if it is empty.
+    static unsigned int durationInFramesOf(const KeyVector& layer);
+
+    /// The first frame of the outro: the duration minus `outroSize`, so the duration itself if
+    /// there is no outro; 0 if edits left less than `outroSize` frames. Costs all keys.
+    unsigned int outroStartFrame() const;
+
+    /// Seconds at `fps`, as an absolute value. An `fps` of 0 gives infinity, or NaN without keys.
+    float durationInSeconds() const;
+
+    /// Seconds at another frame rate, which may be NaN.
+    /// Throws std::invalid_argument if it is 0 or less.
+    float simulatedDurationInSeconds(float fps) const;
+
+    /// @}
+    /// \name Editing one layer
+    /// A layer that is missing is created where nothing else is said.
+    /// @{
+
+    /// Appends one `Wait` key that makes the layer last `frames` frames; nothing if it already
+    /// lasts as long or longer. With 0 frames a missing layer is created empty.
+    void fillInLayer(const std::string& name, unsigned int frames);
+
+    /// Inserts `keys` at `frame`; what stood there follows them.
+    ///
+    ///     before  | A A A A | B B B B B B |            insertInLayer("led", X(3), 6)
+    ///     after   | A A A A | B B | X X X | B B B B |
+    ///
+    /// At frame 0 and on a boundary no key is cut. Past the end one `Wait` key fills the layer up
+    /// to `frame` first. Without `keys` nothing happens, and no layer is created.
+    /// Costs the keys of the layer up to `frame` and those that move or are inserted.
+    void insertInLayer(const std::string& name, const KeyVector& keys, unsigned int frame);
+    /// The same with one key.
+    void insertInLayer(const std::string& name, const AnimationKey& key, unsigned int frame);
+    /// The same with keys in braces; `{}` is none.
+    void insertInLayer(const std::string& name, std::initializer_list<AnimationKey> keys,
+                       unsigned int frame) {
+        insertInLayer(name, KeyVector(keys), frame);
+    }
+    /// The same with one key built from `effect`, `args` and `duration`, for whose mismatch it
+    /// throws std::invalid_argument as the constructors of the command and of the key do.
+    void insertInLayer(const std::string& name, AnimationKeyCommandEffect effect,
+                       const std::vector<float>& args, unsigned int duration, unsigned int frame);
+
+    /// Appends `keys` at the end of the layer. The layer is created even without keys.
+    /// Costs the keys appended; the layer grows as a std::vector does.
+    void pushBackInLayer(const std::string& name, const KeyVector& keys);
+    /// The same with one key.
+    void pushBackInLayer(const std::string& name, const AnimationKey& key);
+    /// The same with keys in braces; `{}` is none.
+    void pushBackInLayer(const std::string& name, std::initializer_list<AnimationKey> keys) {
+        pushBackInLayer(name, KeyVector(keys));
+    }
+    /// The same with one key built from `effect`, `args` and `duration`, for whose mismatch it
+    /// throws std::invalid_argument as the constructors of the command and of the key do.
+    void pushBackInLayer(const std::string& name, AnimationKeyCommandEffect effect,
+                         const std::vector<float>& args, unsigned int duration);
+
+    /// Takes the frames [start, start + count) out of the layer; what lay behind them moves up.
+    ///
+    ///     before  | A A A A | B B B B B B |            removeInLayer("led", 2, 5)
+    ///     after   | A A | B B B |
+    ///
+    /// A range that reaches past the end, or past 2^32 - 1, goes to the end. A `start` at or past
+    /// the end changes nothing; a missing layer is created empty. A `count` of 0 removes no frame,
+    /// but still cuts the key that `start` falls inside.
+    /// Costs the keys up to the range's end and those that move.
+    void removeInLayer(const std::string& name, unsigned int start, unsigned int count);
+
+    /// Lays `keys` over the layer from `frame` on; where they are `Wait`, the layer shows through.
+    ///
+    ///     before  | A A A A | B B B B B B | C C C C C |
+    ///     keys    | ~ ~ ~ ~ | X X X X X X |              overrideLayerWith("led", keys, 0)
+    ///     after   | A A A A | X X X X X X | C C C C C |
+    ///
+    /// First one `Wait` key fills the layer up to the duration of the animation or the total of
+    /// `keys`, whichever is longer; without `keys` that is all. Each run of other keys than `Wait`
+    /// then cuts the key that it begins inside and takes the place of the whole keys that end
+    /// before or with it. A key that ends later is not cut there: it follows the run whole.
+    ///
+    ///     before  | A A A A | B B B B B B |            overrideLayerWith("led", X(3), 2)
+    ///     after   | A A | X X X | B B B B B B |
+    ///
+    /// A run that begins past the end begins there all the same, behind one `Wait` key.
+    /// Costs all keys of the animation, to find its duration, and those of `keys`.
+    void overrideLayerWith(const std::string& name, const KeyVector& keys, unsigned int frame);
+
+    /// @}
+    /// \name Editing all layers
+    /// `fps` stays as it is, and layers are not filled afterwards.
+    /// @{
+
+    /// Inserts `other` at `frame` into every layer, as `insertInLayer` does. A layer that only one
+    /// of the two has gets `Wait` keys for what the other one lacks, though none behind.
+    ///
+    ///     before  L | A A A A A A |         insert(M = Y(3), 4)
+    ///     after   L | A A A A | ~ ~ ~ | A A |
+    ///             M | ~ ~ ~ ~ | Y Y Y |
+    ///
+    /// `introSize` grows by the frames inserted if `frame` is less than it (0 included, equal not);
+    /// `outroSize` if `frame` is past the outro's first frame (the very end included, that frame
+    /// itself not). An `other` without keys changes nothing.
+    /// `other` is filled and checked like a copy, and what that throws leaves this one unchanged.
+    /// Costs all keys of both.
+    void insert(Animation other, unsigned int frame);
+
+    /// Appends `other`: first this animation without its outro unless `keepOutro`, then `other`
+    /// without its intro unless `keepIntro`. An outro or intro that is kept becomes part of the
+    /// body; `introSize` stays this animation's, `outroSize` becomes that of `other`.
+    ///
+    ///     this    | A A A A A | outro A A A |     other   | intro X | X X X X |
+    ///     after   | A A A A A | X X X X |         pushBack(other, false, false)
+    ///
+    /// Without layers here the result has those of `other`; an `other` without keys still drops
+    /// the outro unless it is kept. `other` is filled and checked like a copy first.
+    /// Costs all keys here, to find the duration, and those of `other`.
+    void pushBack(Animation other, bool keepOutro, bool keepIntro);
+
+    /// Takes the frames [start, start + count) out of every layer, as `removeInLayer` does, and off
+    /// `introSize` and `outroSize` what was theirs. A `count` of 0, or a `start` at or past the end
+    /// of the animation, changes nothing. Costs all keys.
+    void remove(unsigned int start, unsigned int count);
+
+    /// Calls `overrideLayerWith` for each layer of `other`, in the order of their names, creating
+    /// those that are missing. Each fills up to the duration that the ones before it have left.
+    /// Sizes stay; an `other` without layers changes nothing. Costs all keys of both.
+    void overrideLayersWith(const Animation& other, unsigned int frame);
+
+    /// Sets `fps` so that the animation lasts so many seconds (an animation without keys: to 0; a
+    /// NaN: to NaN). Throws std::invalid_argument if `seconds` is 0 or less.
+    void setFPSToFitDurationInSeconds(float seconds);
+
+    /// Back to no layers, sizes 0 and `defaultFps`, which is not checked.
+    void reset();
+
+    /// @}
+    /// \name New animations from this one
+    /// @{
+
+    /// Appends the keys of the intro, the body and the outro of each layer to the layers of that
+    /// name in the three maps, creating those that are missing, be they empty. Keys across the
+    /// intro's end or the outro's start are cut there.
+    ///
+    ///     layer   | A A A A | B B B B B B |      introSize 3, outroSize 2
+    ///     parts   | A A A   | A | B B B B | B B |
+    ///
+    /// A layer shorter than the animation has less or nothing in the later parts. Entries under
+    /// other names stay; if memory runs out, the keys appended so far stay too.
+    /// Costs all keys.
+    void introBodyOutroLayers(LayerMap& intro, LayerMap& body, LayerMap& outro) const;
+
+    /// A copy that plays the body `count` times, between one intro and one outro; with
+    /// `repeatIntro` and `repeatOutro` these come back around every body.
+    ///
+    ///     this               | intro | body | outro |
+    ///     loop(2, no, no)    | intro | body | body | outro |
+    ///     loop(2, yes, yes)  | intro | body | outro | intro | body | outro |
+    ///     loop(0, ...)       | intro | outro |
+    ///
+    /// The layers are filled as in any copy; sizes and `fps` stay. A count of 1 gives a copy.
+    /// Throws std::invalid_argument where the copy constructor does, if `defaultFps` is 0 or less
+    /// with a `count` above 1 and any layer, and if the result would last 2^31 frames or more.
+    /// Costs the keys of this animation and of the result.
+    Animation loop(unsigned int count, bool repeatIntro, bool repeatOutro) const;
+
+    /// The pieces before and from `frame`, both with every layer (none at all if there are no
+    /// keys), each layer with its own keys only, nothing filled. Keys across the cut are cut there.
+    ///
+    ///     before  | A A A A | B B B B B B |             splitAt(6, ...)
+    ///     pieces  | A A A A | B B |       | B B B B |
+    ///
+    /// At frame 0 the first piece has no frames, at or past the end the last. With `keepIntro` the
+    /// piece in which the intro ends has as `introSize` what lies in it of the intro, with
+    /// `keepOutro` the one in which the outro starts as `outroSize` what lies in it of the outro;
+    /// the last piece never does, and all other sizes are 0. Where layers differ in length, the
+    /// first one to reach the boundary decides. `fps` is that of this animation.
+    /// Throws std::invalid_argument if `fps` is 0 or less. Costs all keys.
+    std::vector<Animation> splitAt(unsigned int frame, bool keepIntro, bool keepOutro) const;
+
+    /// The same for several cuts, in ascending order: one piece more than `frames`.
+    /// Costs all keys and a layer entry for each layer of each piece.
+    std::vector<Animation> splitAt(std::set<unsigned int> frames, bool keepIntro,
+                                   bool keepOutro) const;
+
+    /// The same for cuts at 0, `step`, 2 x `step` and so on up to the duration, itself included.
+    /// The first piece is therefore always empty, and the last one too if `step` divides the
+    /// duration. Throws std::invalid_argument if `step` or `fps` is 0, or `fps` less.
+    std::vector<Animation> splitEach(unsigned int step, bool keepIntro, bool keepOutro) const;
+
+    /// @}
+
+    /// Layers, sizes and frame rate, exactly. A NaN frame rate differs from itself.
+    friend bool operator==(const Animation&, const Animation&) = default;
+
+    LayerMap layers;
+    unsigned int introSize; ///< Frames, from frame 0.
+    unsigned int outroSize; ///< Frames, back from the end.
+    float fps;              ///< Frames per second.
+
+protected:
+    /// The checks of the constructors, on the layers as they are. Changes nothing.
+    void _checkAttr();
+
+    /// \name Cursor primitives
+    /// A cursor is a frame and an iterator to the key that begins there, or to the end of its
+    /// layer. A walk to `target` passes the keys that end at or before it: on a boundary it stops
+    /// on the key that begins there, at or past the end it stops at the end, with `frame` the
+    /// layer's total. If memory runs out, cursor and layers are what they were.
+    /// @{
+
+    /// Walks to `target`, or to the end of `layer` if `toEnd`, and appends the keys passed to
+    /// `*out`, another vector than `layer`, unless that is null.
+    static void _iterateOnLayer(unsigned int& frame, KeyVector::iterator& it, unsigned int target,
+                                const KeyVector& layer, bool toEnd, KeyVector* out);
+    /// Walks to `target`.
+    static void _goToFrame(unsigned int& frame, KeyVector::iterator& it, unsigned int target,
+                           const KeyVector& layer);
+    /// Walks to `target` and appends the keys passed to `out`, another vector than `layer`.
+    static void _subLayer(unsigned int& frame, KeyVector::iterator& it, unsigned int target,
+                          const KeyVector& layer, KeyVector& out);
+    /// Walks to the end and appends the keys passed to `out`, another vector than `layer`.
+    static void _tailLayer(unsigned int& frame, KeyVector::iterator& it, const KeyVector& layer,
+                           KeyVector& out);
+    /// Walks to `target` and erases the keys passed. `frame` counts them nevertheless.
+    static void _removeKeysOnTheWay(unsigned int& frame, KeyVector::iterator& it,
+                                    unsigned int target, KeyVector& layer);
+    /// Walks to `start` and takes the frames [start, start + count) out, with the keys across
+    /// either end cut. `it` is then the first key behind them, and `frame`, counted as if nothing
+    /// had been removed, where it began before the cut at the range's end.
+    static void _removeKeys(unsigned int& frame, KeyVector::iterator& it, KeyVector& layer,
+                            unsigned int start, unsigned int count);
+    /// @}
+
+private:
+    unsigned int _outroStartFrame(unsigned int duration) const;
+    void _insertLayers(Animation& other, unsigned int length, unsigned int frame, bool dropRest);
+    void _widenSizes(unsigned int duration, unsigned int frame, unsigned int count);
+    void _shrinkSizes(unsigned int duration, unsigned int start, unsigned int count);
+};
+
+} // namespace Kiv

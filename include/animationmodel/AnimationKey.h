@@ -1,0 +1,62 @@
+#pragma once
+
+#include <animationmodel/AnimationKeyCommand.h>
+#include <animationmodel/export.h>
+
+#include <type_traits>
+#include <vector>
+
+namespace Kiv {
+
+class AnimationKey;
+
+/// A layer: keys laid end to end, the first on frame 0. A key begins at the sum of the durations
+/// of the keys before it; a boundary between two keys belongs to the one that begins there.
+using KeyVector = std::vector<AnimationKey>;
+
+/// A command and the number of whole frames that it lasts, at least 1.
+///
+/// A small value: it is copied by a plain memory copy, and copies share nothing. The duration is
+/// checked on construction only.
+class ANIMATIONMODEL_EXPORT AnimationKey {
+public:
+    /// A key of `duration` frames. Throws std::invalid_argument if `duration` is 0.
+    AnimationKey(const AnimationKeyCommand& command, unsigned int duration);
+
+    /// The key cut in two, the first piece `frame` frames long:
+    ///
+    ///     Transition (0, 100) over 10    splitAt(3)
+    ///     Transition (0, 30) over 3, Transition (30, 100) over 7
+    ///
+    /// The pieces of a `Transition` meet in the value that it has at the cut; those of all other
+    /// effects carry the same command. At frame 0, and at the end or past it, there is nothing to
+    /// cut: the result is one copy of the key. A `Transition` whose arguments are not two (someone
+    /// set `effect` afterwards) is cut as if it did not move.
+    KeyVector splitAt(unsigned int frame) const;
+
+    /// The key cut into pieces of `step` frames and one last piece of what remains, 1 to `step`
+    /// frames long. A key of `step` frames or fewer is returned as one copy.
+    ///
+    ///     Hold (5) over 10    splitEach(4)
+    ///     Hold (5) over 4, Hold (5) over 4, Hold (5) over 2
+    ///
+    /// Each piece of a `Transition` starts from its own index, so rounding errors do not add up;
+    /// the last one starts where the piece before it ends, and ends exactly where the key does.
+    /// The values may differ from those of `splitAt` in the last bit.
+    /// Throws std::invalid_argument if `step` is 0. Costs the pieces.
+    KeyVector splitEach(unsigned int step) const;
+
+    friend bool operator==(const AnimationKey&, const AnimationKey&) = default;
+
+    AnimationKeyCommand command;
+    unsigned int duration; ///< Frames.
+
+private:
+    // Out of reach, but there: it makes a key a trivial type, which lets std::vector copy whole
+    // layers by one plain memory copy.
+    AnimationKey() = default;
+};
+
+static_assert(std::is_trivial_v<AnimationKey> && sizeof(AnimationKey) <= 20);
+
+} // namespace Kiv

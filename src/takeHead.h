@@ -1,0 +1,11 @@
+#pragma once
+
+#include <animationmodel/AnimationKey.h>
+
+namespace Kiv {
+
+/// Cuts `key` at `frame`, which lies strictly inside it: returns the piece before, and leaves the
+/// rest in `key`. Every cut of a key at a frame is made here.
+AnimationKey takeHead(AnimationKey& key, unsigned int frame);
+
+} // namespace Kiv
