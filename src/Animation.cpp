@@ -20,17 +20,17 @@ struct Lengths {
     bool equal() const { return shortest == longest; }
 };
 
-void checkFrameRate(float fps) {
+void check_frame_rate(float fps) {
     if (fps <= 0) // a NaN passes
         refuse("FPS should be strictly higher than 0");
 }
 
 /// Frames of the shortest and of the longest layer; 0 without layers.
-Lengths checkedLengths(const LayerMap& layers) {
+Lengths checked_lengths(const LayerMap& layers) {
     std::uint64_t shortest = layers.empty() ? 0 : tooLong;
     std::uint64_t longest = 0;
     for (const auto& [name, keys] : layers) {
-        const std::uint64_t total = totalOf(keys);
+        const std::uint64_t total = total_of(keys);
         if (total >= tooLong)
             refuse("Layer (", name, ") lasts ", total, " frames but should last less than ",
                    tooLong);
@@ -42,8 +42,8 @@ Lengths checkedLengths(const LayerMap& layers) {
 
 /// Makes all checks that an animation of these parts has to pass once its layers are filled.
 Lengths check(const LayerMap& layers, unsigned int introSize, unsigned int outroSize, float fps) {
-    checkFrameRate(fps);
-    const Lengths lengths = checkedLengths(layers);
+    check_frame_rate(fps);
+    const Lengths lengths = checked_lengths(layers);
     const unsigned int duration = lengths.longest;
     if (introSize > duration || outroSize > duration)
         refuse("Intro size (", introSize, ") and outro size (", outroSize,
@@ -54,18 +54,18 @@ Lengths check(const LayerMap& layers, unsigned int introSize, unsigned int outro
     return lengths;
 }
 
-/// Adds a layer whose name sorts behind all others.
-KeyVector& addLayer(LayerMap& layers, const std::string& name) {
-    return layers.emplace_hint(layers.end(), name, KeyVector())->second;
+/// The layer of that name, created if it is missing: at once, if the name sorts behind all others.
+KeyVector& layer_in(LayerMap& layers, const std::string& name) {
+    return layers.try_emplace(layers.end(), name)->second;
 }
 
 /// Copies `layers`, which have these lengths, all filled up to the longest.
-LayerMap copyFilled(const LayerMap& layers, Lengths lengths) {
+LayerMap copy_filled(const LayerMap& layers, Lengths lengths) {
     if (lengths.equal())
         return layers;
     LayerMap filled;
     for (const auto& [name, keys] : layers)
-        LayerCursor(keys, lengths.longest).walkTo(lastFrame).appendTo(addLayer(filled, name));
+        LayerCursor(keys, lengths.longest).walkTo(lastFrame).appendTo(layer_in(filled, name));
     return filled;
 }
 
@@ -76,7 +76,7 @@ void fill(KeyVector& layer, unsigned int frames) {
 }
 
 /// Checks `animation` and fills its layers, as copying it would; returns its duration.
-unsigned int fillAndCheck(Animation& animation) {
+unsigned int fill_and_check(Animation& animation) {
     const Lengths lengths =
         check(animation.layers, animation.introSize, animation.outroSize, animation.fps);
     if (!lengths.equal())
@@ -88,7 +88,7 @@ unsigned int fillAndCheck(Animation& animation) {
 /// Applies `edit`, which either succeeds or changes nothing, to the layer of that name. A missing
 /// layer is created, with what `edit` makes of an empty one.
 template <class Edit>
-void editLayer(LayerMap& layers, const std::string& name, const Edit& edit) {
+void edit_layer(LayerMap& layers, const std::string& name, const Edit& edit) {
     if (const auto found = layers.find(name); found != layers.end()) {
         edit(found->second);
         return;
@@ -106,32 +106,32 @@ void adopt(LayerMap& layers, LayerMap& edited) noexcept {
     layers.merge(edited);
 }
 
-void insertKeys(LayerMap& layers, const std::string& name, Keys keys, unsigned int frame) {
+void insert_keys(LayerMap& layers, const std::string& name, Keys keys, unsigned int frame) {
     if (!keys.empty())
-        editLayer(layers, name, [&](KeyVector& layer) { insertion(layer, keys, frame).commit(); });
+        edit_layer(layers, name, [&](KeyVector& layer) { insertion(layer, keys, frame).commit(); });
 }
 
-bool isWait(const AnimationKey& key) {
+bool is_wait(const AnimationKey& key) {
     return key.command.effect == Wait;
 }
 
 /// Appends to `out` what `layer`, filled up to `duration` frames or the total of `keys`, becomes
 /// with `keys` laid over it from `position` on. Returns the frames of the result.
-unsigned int overrideInto(KeyVector& out, const KeyVector& layer, unsigned int duration,
-                          const KeyVector& keys, unsigned int position) {
+unsigned int override_into(KeyVector& out, const KeyVector& layer, unsigned int duration,
+                           const KeyVector& keys, unsigned int position) {
     LayerCursor cursor(layer, std::max(duration, Animation::durationInFramesOf(keys)));
     out.reserve(layer.size() + keys.size() + 2);
     for (auto key = keys.begin(); key != keys.end();) {
-        if (isWait(*key)) {
+        if (is_wait(*key)) {
             position += key++->duration;
             continue;
         }
-        const auto runEnd = std::find_if(key, keys.end(), isWait);
+        const auto runEnd = std::find_if(key, keys.end(), is_wait);
         cursor.take(position).appendTo(out);
         if (cursor.frame < position)
             out.emplace_back(Wait, position - cursor.frame);
         KeyRow{{}, {key, runEnd}, {}}.appendTo(out);
-        position += static_cast<unsigned int>(totalOf({key, runEnd}));
+        position += static_cast<unsigned int>(total_of({key, runEnd}));
         cursor.walkTo(position);
         cursor.moveTo(position);
         key = runEnd;
@@ -151,7 +151,7 @@ std::vector<Animation> split(const Animation& animation, const std::vector<unsig
         LayerCursor cursor(keys);
         auto piece = pieces.begin();
         for (const unsigned int frame : frames) {
-            cursor.take(frame).appendTo(addLayer(piece->layers, name));
+            cursor.take(frame).appendTo(layer_in(piece->layers, name));
             if (keepIntro && cursor.frame >= animation.introSize) {
                 const unsigned int duration = piece->durationInFrames();
                 const unsigned int before = cursor.frame - duration;
@@ -164,7 +164,7 @@ std::vector<Animation> split(const Animation& animation, const std::vector<unsig
             }
             ++piece;
         }
-        KeyRow{cursor.piece(), cursor.whole(), {}}.appendTo(addLayer(piece->layers, name));
+        cursor.rest().appendTo(layer_in(piece->layers, name));
     }
     return pieces;
 }
@@ -182,12 +182,12 @@ Animation::Animation(float fps) : introSize(0), outroSize(0), fps(fps) {
 Animation::Animation(const LayerMap& layers) : Animation(layers, 0, 0) {}
 
 Animation::Animation(const LayerMap& layers, unsigned int introSize, unsigned int outroSize)
-    : layers(copyFilled(layers, check(layers, introSize, outroSize, defaultFps))),
+    : layers(copy_filled(layers, check(layers, introSize, outroSize, defaultFps))),
       introSize(introSize), outroSize(outroSize), fps(defaultFps) {}
 
 Animation::Animation(const Animation& other)
-    : layers(copyFilled(other.layers,
-                        check(other.layers, other.introSize, other.outroSize, other.fps))),
+    : layers(copy_filled(other.layers,
+                         check(other.layers, other.introSize, other.outroSize, other.fps))),
       introSize(other.introSize), outroSize(other.outroSize), fps(other.fps) {}
 
 Animation::Animation(Animation&& other) noexcept
@@ -249,7 +249,7 @@ unsigned int Animation::durationInFramesOf(const LayerMap& layers) {
 }
 
 unsigned int Animation::durationInFramesOf(const KeyVector& layer) {
-    return static_cast<unsigned int>(totalOf(layer));
+    return static_cast<unsigned int>(total_of(layer));
 }
 
 unsigned int Animation::outroStartFrame() const {
@@ -322,17 +322,17 @@ void Animation::_removeKeys(unsigned int& frame, KeyVector::iterator& it, KeyVec
 }
 
 void Animation::fillInLayer(const std::string& name, unsigned int frames) {
-    editLayer(layers, name, [&](KeyVector& layer) { fill(layer, frames); });
+    edit_layer(layers, name, [&](KeyVector& layer) { fill(layer, frames); });
 }
 
 void Animation::insertInLayer(const std::string& name, const KeyVector& keys, unsigned int frame) {
-    insertKeys(layers, name, keys, frame);
+    insert_keys(layers, name, keys, frame);
 }
 
 void Animation::insertInLayer(const std::string& name, const AnimationKey& key,
                               unsigned int frame) {
     const AnimationKey copy = key; // the key may stand in the layer
-    insertKeys(layers, name, {&copy, 1}, frame);
+    insert_keys(layers, name, {&copy, 1}, frame);
 }
 
 void Animation::insertInLayer(const std::string& name, AnimationKeyCommandEffect effect,
@@ -342,13 +342,13 @@ void Animation::insertInLayer(const std::string& name, AnimationKeyCommandEffect
 }
 
 void Animation::pushBackInLayer(const std::string& name, const KeyVector& keys) {
-    editLayer(layers, name, [&](KeyVector& layer) {
+    edit_layer(layers, name, [&](KeyVector& layer) {
         Splice(layer, layer.size(), layer.size(), {{}, keys, {}}).commit();
     });
 }
 
 void Animation::pushBackInLayer(const std::string& name, const AnimationKey& key) {
-    editLayer(layers, name, [&](KeyVector& layer) { layer.push_back(key); });
+    edit_layer(layers, name, [&](KeyVector& layer) { layer.push_back(key); });
 }
 
 void Animation::pushBackInLayer(const std::string& name, AnimationKeyCommandEffect effect,
@@ -357,7 +357,7 @@ void Animation::pushBackInLayer(const std::string& name, AnimationKeyCommandEffe
 }
 
 void Animation::removeInLayer(const std::string& name, unsigned int start, unsigned int count) {
-    editLayer(layers, name, [&](KeyVector& layer) {
+    edit_layer(layers, name, [&](KeyVector& layer) {
         unsigned int frame = 0;
         removal(layer, 0, frame, start, count).commit();
     });
@@ -366,17 +366,17 @@ void Animation::removeInLayer(const std::string& name, unsigned int start, unsig
 void Animation::overrideLayerWith(const std::string& name, const KeyVector& keys,
                                   unsigned int frame) {
     const unsigned int duration = durationInFrames();
-    editLayer(layers, name, [&](KeyVector& layer) {
+    edit_layer(layers, name, [&](KeyVector& layer) {
         if (keys.empty())
             return fill(layer, duration);
         KeyVector result;
-        overrideInto(result, layer, duration, keys, frame);
+        override_into(result, layer, duration, keys, frame);
         layer.swap(result);
     });
 }
 
 void Animation::insert(Animation other, unsigned int frame) {
-    const unsigned int length = fillAndCheck(other);
+    const unsigned int length = fill_and_check(other);
     if (length == 0)
         return;
     const unsigned int duration = durationInFrames();
@@ -385,7 +385,7 @@ void Animation::insert(Animation other, unsigned int frame) {
 }
 
 void Animation::pushBack(Animation other, bool keepOutro, bool keepIntro) {
-    unsigned int length = fillAndCheck(other);
+    unsigned int length = fill_and_check(other);
     if (!keepIntro) {
         length -= other.introSize;
         other.remove(0, other.introSize);
@@ -466,7 +466,7 @@ void Animation::overrideLayersWith(const Animation& other, unsigned int frame) {
         const auto found = layers.find(name);
         const KeyVector& layer = found != layers.end() ? found->second : missing;
         const unsigned int total =
-            overrideInto(addLayer(edited, name), layer, duration, keys, frame);
+            override_into(layer_in(edited, name), layer, duration, keys, frame);
         duration = std::max(duration, total);
     }
     adopt(layers, edited);
@@ -478,9 +478,9 @@ void Animation::introBodyOutroLayers(LayerMap& intro, LayerMap& body, LayerMap& 
     const LayerMap copy = aliased ? layers : LayerMap();
     for (const auto& [name, keys] : aliased ? copy : layers) {
         LayerCursor cursor(keys);
-        cursor.take(introSize).appendTo(intro[name]);
-        cursor.take(outroStart).appendTo(body[name]);
-        KeyRow{cursor.piece(), cursor.whole(), {}}.appendTo(outro[name]);
+        cursor.take(introSize).appendTo(layer_in(intro, name));
+        cursor.take(outroStart).appendTo(layer_in(body, name));
+        cursor.rest().appendTo(layer_in(outro, name));
     }
 }
 
@@ -493,7 +493,7 @@ Animation Animation::loop(unsigned int count, bool repeatIntro, bool repeatOutro
     const unsigned int duration = check(layers, introSize, outroSize, fps).longest;
     const unsigned int outroStart = _outroStartFrame(duration);
     if (count > 1 && !layers.empty())
-        checkFrameRate(defaultFps);
+        check_frame_rate(defaultFps);
     const unsigned int once =
         outroStart - introSize + (repeatIntro ? introSize : 0) + (repeatOutro ? outroSize : 0);
     const unsigned int passes = once == 0 ? 0 : count - 1;
@@ -522,7 +522,7 @@ Animation Animation::loop(unsigned int count, bool repeatIntro, bool repeatOutro
         if (repeatIntro)
             intro.appendTo(pass);
 
-        KeyVector& layer = addLayer(result.layers, name);
+        KeyVector& layer = layer_in(result.layers, name);
         layer.reserve(intro.size() + passes * pass.size() + rest.size());
         intro.appendTo(layer);
         for (unsigned int i = 0; i < passes; ++i)

@@ -1,7 +1,7 @@
 #include <animationmodel/AnimationKey.h>
 
 #include "refuse.h"
-#include "takeHead.h"
+#include "take_head.h"
 
 #include <cfloat>
 
@@ -21,7 +21,7 @@ bool moves(const AnimationKey& key) {
 
 } // namespace
 
-AnimationKey takeHead(AnimationKey& key, unsigned int frame) {
+AnimationKey take_head(AnimationKey& key, unsigned int frame) {
     AnimationKey head = key;
     if (moves(key)) {
         const float start = key.command.args[0];
@@ -47,7 +47,7 @@ KeyVector AnimationKey::splitAt(unsigned int frame) const {
     if (frame == 0 || frame >= duration)
         return {*this};
     AnimationKey tail = *this;
-    const AnimationKey head = takeHead(tail, frame);
+    const AnimationKey head = take_head(tail, frame);
     return {head, tail};
 }
 
@@ -67,14 +67,15 @@ KeyVector AnimationKey::splitEach(unsigned int step) const {
         const float start = command.args[0];
         const float slope = (command.args[1] - start) / static_cast<float>(duration);
         const float delta = static_cast<float>(step) * slope;
+        float to = start;
         for (unsigned int i = 0; i < full; ++i) {
             const float offset = static_cast<float>(i) * delta;
             const float from = offset + start;
-            const float to = from + delta;
+            to = from + delta;
             pieces[i].command.args[0] = from;
             pieces[i].command.args[1] = to;
-            pieces[i + 1].command.args[0] = to;
         }
+        pieces.back().command.args[0] = to;
     }
     return pieces;
 }

@@ -1,21 +1,43 @@
 #include "LayerCursor.h"
 
-#include "takeHead.h"
+#include "take_head.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace Kiv {
 
-std::uint64_t totalOf(Keys keys) {
+namespace {
+
+constexpr std::size_t blockSize = 8;
+
+/// The sum of `blockSize` durations, in a tree: a chain would wait for each addition in turn.
+std::uint64_t total_of_block(const AnimationKey* key) {
+    const auto pair = [key](std::size_t i) {
+        return std::uint64_t{key[i].duration} + key[i + 1].duration;
+    };
+    return (pair(0) + pair(2)) + (pair(4) + pair(6));
+}
+
+} // namespace
+
+std::uint64_t total_of(Keys keys) {
     std::uint64_t total = 0;
+    for (; keys.size() >= blockSize; keys = keys.subspan(blockSize))
+        total += total_of_block(keys.data());
     for (const AnimationKey& key : keys)
         total += key.duration;
     return total;
 }
 
-std::size_t passKeys(unsigned int& frame, Keys keys, unsigned int target) {
+std::size_t pass_keys(unsigned int& frame, Keys keys, unsigned int target) {
     std::size_t passed = 0;
+    for (; keys.size() - passed >= blockSize; passed += blockSize) {
+        const std::uint64_t end = frame + total_of_block(&keys[passed]);
+        if (end > target)
+            break;
+        frame = static_cast<unsigned int>(end);
+    }
     while (passed < keys.size() && frame + keys[passed].duration <= target)
         frame += keys[passed++].duration;
     return passed;
@@ -45,7 +67,7 @@ KeyRow LayerCursor::walkTo(unsigned int target) {
     passed.front = pass(front, target);
     if (front)
         return passed;
-    passed.run = run.first(passKeys(frame, run, target));
+    passed.run = run.first(pass_keys(frame, run, target));
     run = run.subspan(passed.run.size());
     if (run.empty()) {
         front = filler();
@@ -61,7 +83,7 @@ std::optional<AnimationKey> LayerCursor::cutAt(unsigned int target) {
         front = run.front();
         run = run.subspan(1);
     }
-    return takeHead(*front, target - std::exchange(frame, target));
+    return take_head(*front, target - std::exchange(frame, target));
 }
 
 KeyRow LayerCursor::take(unsigned int target) {
@@ -79,7 +101,7 @@ void LayerCursor::moveTo(unsigned int other) {
 /// Takes `key`, if there is one and it ends at or before `target`.
 std::optional<AnimationKey> LayerCursor::pass(std::optional<AnimationKey>& key,
                                               unsigned int target) {
-    if (!key || passKeys(frame, {&*key, 1}, target) == 0)
+    if (!key || pass_keys(frame, {&*key, 1}, target) == 0)
         return std::nullopt;
     return std::exchange(key, std::nullopt);
 }

@@ -15,11 +15,11 @@ using Keys = std::span<const AnimationKey>;
 constexpr unsigned int lastFrame = std::numeric_limits<unsigned int>::max();
 
 /// The sum of the durations.
-std::uint64_t totalOf(Keys keys);
+std::uint64_t total_of(Keys keys);
 
 /// Passes the keys that end at or before `target`, the first of them beginning at `frame`: moves
 /// `frame` to the end of the last one and returns how many. Every walk along a layer is made here.
-std::size_t passKeys(unsigned int& frame, Keys keys, unsigned int target);
+std::size_t pass_keys(unsigned int& frame, Keys keys, unsigned int target);
 
 /// A row of keys to be written: a run that stands in memory, and at most one key on either side.
 struct KeyRow {
@@ -55,6 +55,9 @@ public:
 
     /// Passes everything before `target`.
     KeyRow take(unsigned int target);
+
+    /// All that is still to come, without passing it and without what would fill up the layer.
+    KeyRow rest() const { return {front, run, std::nullopt}; }
 
     /// Has the next key begin at another frame than it did.
     void moveTo(unsigned int other);

@@ -28,9 +28,9 @@ void Rotation::_init() {
     if (duration >= tooLong)
         refuse("Rotation would last ", duration, " frames but should last less than ", tooLong);
 
-    const auto hold = [this](std::uint64_t frames) {
-        return AnimationKey(AnimationKeyCommand(Hold, make_vector(restValue)),
-                            static_cast<unsigned int>(frames));
+    const AnimationKeyCommand resting(Hold, make_vector(restValue));
+    const auto hold = [&resting](std::uint64_t frames) {
+        return AnimationKey(resting, static_cast<unsigned int>(frames));
     };
     const AnimationKey rise({Transition, make_vector(restValue, pulseValue)}, riseDuration);
     const AnimationKey fall({Transition, make_vector(pulseValue, restValue)}, fallDuration);

@@ -30,6 +30,11 @@ void Splice::commit() noexcept {
         layer->swap(built);
         return;
     }
+    if (last == layer->size()) {
+        layer->erase(at(*layer, first), layer->end());
+        row.appendTo(*layer);
+        return;
+    }
     const std::size_t end = first + row.size();
     if (end > last)
         layer->insert(at(*layer, last), end - last, AnimationKey(Wait, 1)); // makes room

@@ -310,8 +310,9 @@ protected:
     static void _removeKeysOnTheWay(unsigned int& frame, KeyVector::iterator& it,
                                     unsigned int target, KeyVector& layer);
     /// Walks to `start` and takes the frames [start, start + count) out, with the keys across
-    /// either end cut. `it` is then the first key behind them, and `frame`, counted as if nothing
-    /// had been removed, where it began before the cut at the range's end.
+    /// either end cut; a range that would pass 2^32 - 1 goes to the end. `it` is then the first key
+    /// behind the range, and `frame`, counted as if nothing had been removed, where that key began
+    /// before the cut at the range's end.
     static void _removeKeys(unsigned int& frame, KeyVector::iterator& it, KeyVector& layer,
                             unsigned int start, unsigned int count);
     /// @}

@@ -31,7 +31,7 @@ public:
     /// The pieces of a `Transition` meet in the value that it has at the cut; those of all other
     /// effects carry the same command. At frame 0, and at the end or past it, there is nothing to
     /// cut: the result is one copy of the key. A `Transition` whose arguments are not two (someone
-    /// set `effect` afterwards) is cut as if it did not move.
+    /// set `effect` or `args` afterwards) is cut as if it did not move.
     KeyVector splitAt(unsigned int frame) const;
 
     /// The key cut into pieces of `step` frames and one last piece of what remains, 1 to `step`

@@ -20,8 +20,8 @@ enum AnimationKeyCommandEffect : std::int32_t {
 };
 
 /// The arguments of one command: a row of 0 to 2 floats, kept inside the command and read like a
-/// `std::vector<float>`. The length is set when the command is constructed; the elements can be
-/// assigned. Copies share nothing.
+/// `std::vector<float>`. The elements can be assigned, and one row to another; a length is chosen
+/// only by constructing a command. Copies share nothing.
 class AnimationKeyArgs {
 public:
     using value_type = float;

@@ -6,6 +6,6 @@ namespace Kiv {
 
 /// Cuts `key` at `frame`, which lies strictly inside it: returns the piece before, and leaves the
 /// rest in `key`. Every cut of a key at a frame is made here.
-AnimationKey takeHead(AnimationKey& key, unsigned int frame);
+AnimationKey take_head(AnimationKey& key, unsigned int frame);
 
 } // namespace Kiv
