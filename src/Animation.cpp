@@ -140,7 +140,8 @@ unsigned int override_into(KeyVector& out, const KeyVector& layer, unsigned int 
     return cursor.frame;
 }
 
-/// Cuts all layers of `animation` at each of `frames`, which ascend.
+/// Cuts all layers of `animation` at each of `frames`, which ascend. Each flag is spent by the
+/// first layer that reaches the boundary.
 std::vector<Animation> split(const Animation& animation, const std::vector<unsigned int>& frames,
                              bool keepIntro, bool keepOutro) {
     std::vector<Animation> pieces(frames.size() + 1, Animation(animation.fps));

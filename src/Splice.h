@@ -9,8 +9,8 @@ namespace Kiv {
 /// many layers first constructs all its splices and then commits them.
 class Splice {
 public:
-    /// Prepares to put `row` in place of the keys [first, last) of `layer`. The layer, and the
-    /// memory in which the run of `row` stands, which may be the layer's, must stay until then.
+    /// Prepares to put `row` in place of the keys [first, last) of `layer`. The layer, and the keys
+    /// in the run of `row`, which may be all of the layer's own, must stay until the commit.
     Splice(KeyVector& layer, std::size_t first, std::size_t last, const KeyRow& row);
 
     /// Changes the layer; once.

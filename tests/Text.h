@@ -16,13 +16,12 @@ inline KeyVector keys(const std::string& text) {
     KeyVector result;
     std::istringstream words(text);
     for (std::string word; words >> word;) {
-        std::istringstream in(word);
-        const char letter = static_cast<char>(in.get());
-        std::vector<float> args;
-        int effect = static_cast<int>(std::string("THNW").find(letter));
-        if (letter == 'E')
+        std::istringstream in(word.substr(1));
+        int effect = static_cast<int>(std::string("THNW").find(word[0]));
+        if (word[0] == 'E')
             in >> effect;
-        for (float value = 0; in.peek() != ':' && in >> value; in.get() == ',' || in.unget())
+        std::vector<float> args;
+        for (float value = 0; in.peek() != ':' && in >> value; in.peek() == ',' && in.get())
             args.push_back(value);
         unsigned int duration = 0;
         if (in.get() != ':' || !(in >> duration))

@@ -267,6 +267,12 @@ public:
     std::vector<Animation> splitAt(std::set<unsigned int> frames, bool keepIntro,
                                    bool keepOutro) const;
 
+    /// The same for cuts in braces; `{}` is none.
+    std::vector<Animation> splitAt(std::initializer_list<unsigned int> frames, bool keepIntro,
+                                   bool keepOutro) const {
+        return splitAt(std::set<unsigned int>(frames), keepIntro, keepOutro);
+    }
+
     /// The same for cuts at 0, `step`, 2 x `step` and so on up to the duration, itself included.
     /// The first piece is therefore always empty, and the last one too if `step` divides the
     /// duration. Throws std::invalid_argument if `step` or `fps` is 0, or `fps` less.

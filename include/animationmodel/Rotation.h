@@ -41,7 +41,7 @@ public:
     const unsigned int stepDuration;
 
 protected:
-    /// Builds the layers and sets the sizes; for the constructor.
+    /// Builds the layers and sets the sizes; for the constructor, which has no layers yet.
     void _init();
 };
 

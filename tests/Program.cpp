@@ -1,0 +1,304 @@
+#include "Program.h"
+
+#include "Model.h"
+
+#include <animationmodel/Rotation.h>
+#include <cstdlib>
+#include <functional>
+#include <limits>
+#include <new>
+
+void* operator new(std::size_t size) {
+    const bool fails = Kiv::memory.failAt > 0 && --Kiv::memory.failAt == 0;
+    void* place = fails || size > Kiv::memory.largest ? nullptr : std::malloc(size);
+    return place != nullptr ? place : throw std::bad_alloc();
+}
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete" // both sides are here
+void operator delete(void* place) noexcept {
+    std::free(place);
+}
+void operator delete(void* place, std::size_t) noexcept {
+    std::free(place);
+}
+
+namespace Kiv {
+
+Memory memory;
+
+namespace {
+
+class Run {
+public:
+    Run(const std::vector<unsigned char>& bytes, Check check, unsigned long& calls)
+        : bytes(bytes), extreme(check == Check::Extremes), failing(check == Check::Memory),
+          calls(calls) {}
+
+    std::string result() {
+        while (next < bytes.size() && fault.empty())
+            step();
+        return fault;
+    }
+
+private:
+    unsigned int take(unsigned int limit) {
+        return next < bytes.size() ? bytes[next++] % limit : 0;
+    }
+
+    unsigned int takeNumber(unsigned int limit) {
+        constexpr unsigned int extremes[] = {0, 1, 2, 2147483647, 2147483648, 4294967295};
+        return extreme ? extremes[take(6)] + take(3) - 1 : take(limit);
+    }
+
+    float takeFloat() {
+        using Float = std::numeric_limits<float>;
+        constexpr float extremes[] = {0,  -0.0F, Float::quiet_NaN(),  Float::infinity(),
+                                      -1, 1,     Float::denorm_min(), Float::max()};
+        return extreme ? extremes[take(8)] : static_cast<float>(take(17)) / 2 - 4;
+    }
+
+    AnimationKey takeKey() {
+        const unsigned int effect = take(6);
+        AnimationKey key(Wait, take(9) + 1);
+        if (effect < 2)
+            key.command = {Transition, make_vector(takeFloat(), takeFloat())};
+        else if (effect == 2)
+            key.command = {Hold, make_vector(takeFloat())};
+        else if (effect < 5)
+            key.command = effect == 3 ? NoValue : AnimationKeyCommandEffect(-7);
+        if (extreme && take(2) == 0) { // what no constructor would allow
+            key.command.effect = AnimationKeyCommandEffect(take(7) - 2);
+            key.duration = takeNumber(0);
+        }
+        return key;
+    }
+
+    /// Makes a call on an animation, which the model makes as well unless it is refused.
+    void act(
+        const std::function<void()>& call, const std::function<void()>& play = [] {},
+        bool refused = false) {
+        for (unsigned long nth = 1; fault.empty(); ++nth)
+            try {
+                memory.failAt = failing ? nth : 0;
+                const std::string error = refusal(call);
+                memory.failAt = 0;
+                ++calls;
+                if (!extreme && error.empty() == refused)
+                    fault = refused ? "should be refused" : error;
+                if (!extreme && !refused)
+                    play();
+                return;
+            } catch (const std::bad_alloc&) {
+                memory.failAt = 0;
+                if (extreme)
+                    return;
+                compare(animations[which], models[which]);
+            }
+    }
+
+    void compare(const Animation& is, const Model& expected) {
+        if (const std::string what = difference(is, expected); fault.empty() && !what.empty())
+            fault = "should have " + what + ", but is " + show(is);
+    }
+
+    void step();
+
+    const std::vector<unsigned char>& bytes;
+    const bool extreme, failing;
+    unsigned long& calls;
+    std::size_t next = 0;
+    Animation animations[2];
+    Model models[2];
+    unsigned int which = 0; ///< On which of the two the step works.
+    std::string fault;
+};
+
+void Run::step() {
+    which = take(2);
+    const unsigned int from = take(3) == 0 ? which : 1 - which;
+    Animation& it = animations[which];
+    const Animation& other = animations[from];
+    Model& model = models[which];
+    const std::map<std::string, Frames> otherLayers = models[from].layers;
+    const std::optional<Model> copy = model.copy(), otherCopy = models[from].copy();
+
+    const std::string names[] = {"a", "b", "", std::string("\0\xff", 2), std::string(99, 'n')};
+    const std::string name = names[take(5)];
+    const unsigned int frame = takeNumber(64);
+    const unsigned int count = take(16) == 0 ? 4294967295 - take(2) : takeNumber(24);
+    const bool first = take(2) != 0, second = take(2) != 0;
+    KeyVector given;
+    for (unsigned int i = take(6); i > 0; --i)
+        given.push_back(takeKey());
+    const auto own = it.layers.find(names[take(5)]);
+    const KeyVector& keys = take(4) == 0 && own != it.layers.end() ? own->second : given;
+    const Frames written = extreme ? Frames() : frames_of(keys);
+    const Frames last = extreme || keys.empty() ? Frames() : frames_of({keys.back()});
+    const auto effect = AnimationKeyCommandEffect(take(5));
+    const std::vector<float> args(take(4), 1.5F);
+    const unsigned int length = count % 99;
+    const bool mismatch = args.size() != (effect < 2 ? 2U - effect : 0U) || length == 0;
+    if (const auto layer = it.layers.find(name); layer != it.layers.end())
+        layer->second.reserve(take(3) == 0 ? 50 : 0); // so that some edits are made in place
+
+    Animation result;
+    std::vector<Animation> pieces;
+    LayerMap parts[3];
+    std::set<unsigned int> cuts{frame, count % 64, count % 5};
+    const auto edit = [&](const auto& change) { model.layers[name] = change(model.layers[name]); };
+    const auto comparePieces = [&] {
+        const std::vector<Model> expected = model.split(cuts, first, second);
+        if (pieces.size() != expected.size())
+            fault = "should give " + std::to_string(expected.size()) + " pieces";
+        for (std::size_t i = 0; fault.empty() && i < pieces.size(); ++i)
+            compare(pieces[i], expected[i]);
+    };
+    const std::function<void()> operations[] = {
+        [&] {
+            act([&] { it.insertInLayer(name, keys, frame); },
+                [&] {
+                    if (!written.empty())
+                        edit([&](auto& layer) { return inserted(layer, written, frame); });
+                });
+        },
+        [&] {
+            if (!keys.empty())
+                act([&] { it.insertInLayer(name, keys.back(), frame); },
+                    [&] { edit([&](auto& layer) { return inserted(layer, last, frame); }); });
+        },
+        [&] {
+            act([&] { it.insertInLayer(name, effect, args, length, frame); },
+                [&] {
+                    const Frames key = frames_of({{{effect, args}, length}});
+                    edit([&](auto& layer) { return inserted(layer, key, frame); });
+                },
+                mismatch);
+        },
+        [&] {
+            act([&] { it.pushBackInLayer(name, keys); },
+                [&] { edit([&](auto& layer) {
+                          return joined({layer, written});
+                      }); });
+        },
+        [&] {
+            act([&] { it.pushBackInLayer(name, effect, args, length); },
+                [&] {
+                    const Frames key = frames_of({{{effect, args}, length}});
+                    edit([&](auto& layer) { return joined({layer, key}); });
+                },
+                mismatch);
+        },
+        [&] {
+            act([&] { it.fillInLayer(name, frame); },
+                [&] { edit([&](auto& layer) { return filled(layer, frame); }); });
+        },
+        [&] {
+            act([&] { it.removeInLayer(name, frame, count); },
+                [&] { edit([&](auto& layer) { return removed(layer, frame, count); }); });
+        },
+        [&] {
+            act([&] { it.overrideLayerWith(name, keys, frame); },
+                [&] {
+                    model.overrideWith({{name, written}}, frame);
+                });
+        },
+        [&] {
+            act([&] { it.insert(other, frame); }, [&] { model.insert(*otherCopy, frame); },
+                !otherCopy);
+        },
+        [&] { // moved in, so filled and checked by the call
+            act(
+                [&] {
+                    Animation moved;
+                    moved.layers = other.layers;
+                    moved.introSize = other.introSize;
+                    moved.outroSize = other.outroSize;
+                    it.insert(std::move(moved), frame);
+                },
+                [&] { model.insert(*otherCopy, frame); }, !otherCopy);
+        },
+        [&] {
+            act([&] { it.pushBack(other, first, second); },
+                [&] { model.pushBack(*otherCopy, first, second); }, !otherCopy);
+        },
+        [&] { act([&] { it.remove(frame, count); }, [&] { model.remove(frame, count); }); },
+        [&] {
+            act([&] { it.overrideLayersWith(other, frame); },
+                [&] { model.overrideWith(otherLayers, frame); });
+        },
+        [&] {
+            act(
+                [&] {
+                    std::ranges::fill(parts, LayerMap());
+                    it.introBodyOutroLayers(parts[0], parts[1], parts[2]);
+                },
+                [&] {
+                    const std::size_t end = std::max(model.intro, model.outroStart());
+                    const std::size_t ends[] = {0, model.intro, end, 99999};
+                    for (std::size_t i = 0; i < 3; ++i) {
+                        result.layers = parts[i];
+                        compare(result, model.part(ends[i], ends[i + 1]));
+                    }
+                });
+        },
+        [&] {
+            const unsigned int times = extreme ? count : count % 4;
+            act([&] { result = it.loop(times, first, second); },
+                [&] { compare(result, copy->looped(times, first, second)); }, !copy);
+        },
+        [&] { act([&] { pieces = it.splitAt(cuts, first, second); }, comparePieces); },
+        [&] {
+            cuts.clear();
+            for (std::uint64_t i = 0; !extreme && count > 0 && i <= model.duration(); i += count)
+                cuts.insert(static_cast<unsigned int>(i));
+            act([&] { pieces = it.splitEach(count, first, second); }, comparePieces, count == 0);
+        },
+        [&] { act([&] { it = other; }, [&] { model = *otherCopy; }, !otherCopy); },
+        [&] {
+            Model sized = model;
+            sized.intro = frame % 32;
+            sized.outro = count % 32;
+            const auto built = sized.copy();
+            act([&] { it = Animation(LayerMap(it.layers), frame % 32, count % 32); },
+                [&] { model = *built; }, !built);
+        },
+        [&] {
+            it.introSize = extreme ? frame : frame % 32;
+            it.outroSize = extreme ? count : count % 32;
+            model.intro = it.introSize;
+            model.outro = it.outroSize;
+        },
+        [&] {
+            if (!extreme)
+                return;
+            act([&] { it.setFPSToFitDurationInSeconds(takeFloat()); });
+            act([&] { it.simulatedDurationInSeconds(takeFloat()); });
+            act([&] { takeKey().splitAt(frame); });
+            act([&] { takeKey().splitEach(count); });
+            act([&] { result = Rotation(takeFloat(), takeFloat(), frame, count, takeNumber(0)); });
+            act([&] { it.layer(name); });
+        },
+    };
+    const std::size_t operation = take(std::size(operations));
+    const std::string before = "operation " + std::to_string(operation) + " of " + show(it) +
+                               " with " + name + " " + std::to_string(frame) + " " +
+                               std::to_string(count) + " " + show(keys) + " other " + show(other);
+    operations[operation]();
+    if (extreme)
+        return;
+    compare(it, model);
+    if (!fault.empty())
+        fault = before + ": " + fault;
+    if (model.duration() > 200) {
+        it.reset();
+        model = Model();
+    }
+}
+
+} // namespace
+
+std::string run_program(const std::vector<unsigned char>& bytes, Check check,
+                        unsigned long& calls) {
+    return Run(bytes, check, calls).result();
+}
+
+} // namespace Kiv

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace Kiv {
+
+/// What the programs' allocations do.
+struct Memory {
+    unsigned long failAt = 0; ///< The allocation to fail, counted down; 0 for none.
+    std::size_t largest = -1; ///< Larger ones fail too.
+};
+extern Memory memory;
+
+enum class Check {
+    Frames,  ///< Each call leaves what it leaves of the model, at every frame.
+    Memory,  ///< So it does when each of its allocations has failed in turn and changed nothing.
+    Extremes ///< Arguments are the most extreme there are; each call comes back.
+};
+
+/// Runs the program of public operations that `bytes` stand for. Returns what went wrong, with the
+/// call and what it worked on; "" if nothing did. Adds to `calls` how many ended well or refused.
+std::string run_program(const std::vector<unsigned char>& bytes, Check check, unsigned long& calls);
+
+} // namespace Kiv

@@ -1,0 +1,63 @@
+#include "Program.h"
+#include "Text.h"
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <random>
+#include <thread>
+
+using namespace Kiv;
+
+namespace {
+
+/// Runs programs that come from their number alone; KIV_PROGRAMS sets how many, in thousands.
+void expectPrograms(Check check, unsigned int thousandths, unsigned long leastCalls) {
+    const char* wish = std::getenv("KIV_PROGRAMS");
+    const double thousands = wish != nullptr ? std::strtod(wish, nullptr) : 10;
+    unsigned long calls = 0;
+    for (unsigned int seed = 0; seed < thousands * thousandths; ++seed) {
+        std::mt19937 random(seed);
+        std::vector<unsigned char> bytes(random() % 800);
+        for (unsigned char& byte : bytes)
+            byte = static_cast<unsigned char>(random());
+        ASSERT_EQ(run_program(bytes, check, calls), "") << "program " << seed;
+    }
+    EXPECT_GT(static_cast<double>(calls), static_cast<double>(leastCalls) * thousands / 10);
+    testing::Test::RecordProperty("calls", std::to_string(calls));
+}
+
+TEST(ProgramTest, PlaysLikeTheModelAtEveryFrame) {
+    expectPrograms(Check::Frames, 1000, 100000);
+}
+
+TEST(ProgramTest, RunningOutOfMemoryChangesNothing) {
+    expectPrograms(Check::Memory, 50, 5000);
+}
+
+// What matters is that each call comes back, and that the sanitizers have nothing to say.
+TEST(ProgramTest, ExtremeArgumentsAreSafe) {
+    memory.largest = 1 << 24;
+    expectPrograms(Check::Extremes, 500, 50000);
+    memory.largest = static_cast<std::size_t>(-1);
+}
+
+TEST(ProgramTest, ThreadsShareOneConstAnimation) {
+    const Animation shared = animation("a: T0,60:6; b: H1:2 N:4 | 2 1");
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([&] {
+            for (int round = 0; round < 200; ++round) {
+                Animation copy = shared;
+                copy.insert(shared, 3);
+                LayerMap parts[3];
+                shared.introBodyOutroLayers(parts[0], parts[1], parts[2]);
+                EXPECT_EQ(shared.loop(2, true, true).durationInFrames(), 12U);
+                EXPECT_EQ(shared.splitEach(2, true, true).size(), 5U);
+                EXPECT_EQ(show(shared.layer("b")), "H1:2 N:4");
+            }
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+} // namespace
