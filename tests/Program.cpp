@@ -133,10 +133,11 @@ void Run::step() {
     const KeyVector& keys = take(4) == 0 && own != it.layers.end() ? own->second : given;
     const Frames written = extreme ? Frames() : frames_of(keys);
     const Frames last = extreme || keys.empty() ? Frames() : frames_of({keys.back()});
-    const auto effect = AnimationKeyCommandEffect(take(5));
+    const unsigned int number = take(5);
+    const auto effect = AnimationKeyCommandEffect(number);
     const std::vector<float> args(take(4), 1.5F);
     const unsigned int length = count % 99;
-    const bool mismatch = args.size() != (effect < 2 ? 2U - effect : 0U) || length == 0;
+    const bool mismatch = args.size() != (number < 2 ? 2 - number : 0) || length == 0;
     if (const auto layer = it.layers.find(name); layer != it.layers.end())
         layer->second.reserve(take(3) == 0 ? 50 : 0); // so that some edits are made in place
 

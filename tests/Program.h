@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -8,8 +9,8 @@ namespace Kiv {
 
 /// What the programs' allocations do.
 struct Memory {
-    unsigned long failAt = 0; ///< The allocation to fail, counted down; 0 for none.
-    std::size_t largest = -1; ///< Larger ones fail too.
+    unsigned long failAt = 0;       ///< The allocation to fail, counted down; 0 for none.
+    std::size_t largest = SIZE_MAX; ///< Larger ones fail too.
 };
 extern Memory memory;
 

@@ -38,7 +38,7 @@ TEST(ProgramTest, RunningOutOfMemoryChangesNothing) {
 TEST(ProgramTest, ExtremeArgumentsAreSafe) {
     memory.largest = 1 << 24;
     expectPrograms(Check::Extremes, 500, 50000);
-    memory.largest = static_cast<std::size_t>(-1);
+    memory.largest = SIZE_MAX;
 }
 
 TEST(ProgramTest, ThreadsShareOneConstAnimation) {
