@@ -29,18 +29,28 @@ TEST(AnimationTest, ConstructionFillsAndChecks) {
         };
         EXPECT_EQ(refusal(build), row.refused);
     }
+    EXPECT_EQ(show(Animation(given)), "a: H1:7 H2:3; b: N:4 W:6; c: W:10 | 0 0");
+    struct Checked : Animation {
+        using Animation::_checkAttr;
+    } edited;
+    edited.layers = given;
+    edited.introSize = 5;
+    edited.outroSize = 6;
+    EXPECT_EQ(refusal([&] { edited._checkAttr(); }),
+              "Intro (which size = 5) and outro (which size = 6" + overlap);
     Animation longest = animation("a: H1:1; b: H1:2147483646 H2:1");
     EXPECT_EQ(Animation(longest).durationInFrames(), 2147483647U);
-    longest.layers["b"].push_back(AnimationKey(Wait, 4294967295));
+    longest.layers["b"].push_back(AnimationKey(Wait, 1));
     longest.introSize = 4294967295;
     EXPECT_EQ(refusal([&] { Animation copy(longest); }),
-              "Layer (b) lasts 6442450942 frames but should last less than 2147483648");
+              "Layer (b) lasts 2147483648 frames but should last less than 2147483648");
 }
 
 TEST(AnimationTest, ChecksTheFrameRateFirst) {
     const std::string refused = "FPS should be strictly higher than 0";
     EXPECT_EQ(refusal([] { Animation(-2.5F); }), refused);
     EXPECT_TRUE(std::isnan(Animation(NAN).fps));
+    EXPECT_EQ(Animation(1e-6F).fps, 1e-6F);
     Animation it = animation("a: H1:3");
     const DefaultFps none(0);
     EXPECT_EQ(refusal([] { Animation(); }), refused);

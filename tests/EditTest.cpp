@@ -55,9 +55,14 @@ TEST(EditTest, CutsIntroBodyAndOutroBehindWhatTheMapsHold) {
     LayerMap all = animation("a: N:1; x: N:2").layers;
     animation("a: T0,60:6 | 2 1").introBodyOutroLayers(all, all, all);
     EXPECT_EQ(show(all), "a: N:1 T0,20:2 T20,50:3 T50,60:1; x: N:2");
-    Animation it = animation("a: H1:4 | 1 1");
-    it.introBodyOutroLayers(it.layers, it.layers, all);
-    EXPECT_EQ(show(it), "a: H1:4 H1:1 H1:2 | 1 1");
+    for (int own = 0; own < 3; ++own) { // one of the maps is the animation's
+        Animation it = animation("a: H1:4; b: N:4 | 1 1");
+        LayerMap maps[3];
+        it.introBodyOutroLayers(own == 0 ? it.layers : maps[0], own == 1 ? it.layers : maps[1],
+                                own == 2 ? it.layers : maps[2]);
+        EXPECT_EQ(show(it.layers),
+                  own == 1 ? "a: H1:4 H1:2; b: N:4 N:2" : "a: H1:4 H1:1; b: N:4 N:1");
+    }
 }
 
 TEST(EditTest, LoopsTheBody) {
@@ -73,6 +78,7 @@ TEST(EditTest, LoopsTheBody) {
     EXPECT_EQ(refusal([&] { some.loop(2, true, false); }),
               "Animation looped 2 times would last 2147483648 frames but should last less than "
               "2147483648");
+    EXPECT_NE(refusal([&] { animation("a: H1:1073741824 | 0 1").loop(2, false, true); }), "");
     some.fps = 40;
     const DefaultFps none(0);
     EXPECT_EQ(some.loop(1, false, false).fps, 40);

@@ -283,7 +283,7 @@ public:
     /// Layers, sizes and frame rate, exactly. A NaN frame rate differs from itself.
     friend bool operator==(const Animation&, const Animation&) = default;
 
-    LayerMap layers;
+    LayerMap layers;        ///< Every layer by its name.
     unsigned int introSize; ///< Frames, from frame 0.
     unsigned int outroSize; ///< Frames, back from the end.
     float fps;              ///< Frames per second.

@@ -48,8 +48,8 @@ public:
 
     friend bool operator==(const AnimationKey&, const AnimationKey&) = default;
 
-    AnimationKeyCommand command;
-    unsigned int duration; ///< Frames.
+    AnimationKeyCommand command; ///< What the layer does while the key lasts.
+    unsigned int duration;       ///< Frames.
 
 private:
     // Out of reach, but there: it makes a key a trivial type, which lets std::vector copy whole

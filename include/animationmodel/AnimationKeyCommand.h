@@ -24,6 +24,8 @@ enum AnimationKeyCommandEffect : std::int32_t {
 /// only by constructing a command. Copies share nothing.
 class AnimationKeyArgs {
 public:
+    /// @{
+    /// As in `std::vector<float>`.
     using value_type = float;
     using size_type = std::size_t;
     using iterator = float*;
@@ -32,7 +34,6 @@ public:
     size_type size() const noexcept { return count; }
     bool empty() const noexcept { return count == 0; }
 
-    /// The argument at `index`, which must be less than `size()`.
     float& operator[](size_type index) {
         assert(index < size());
         return values[index];
@@ -48,6 +49,7 @@ public:
     const_iterator begin() const noexcept { return values; }
     iterator end() noexcept { return values + count; }
     const_iterator end() const noexcept { return values + count; }
+    /// @}
 
     /// The arguments as a vector of their own.
     operator std::vector<float>() const { return std::vector<float>(begin(), end()); }
@@ -84,8 +86,8 @@ public:
     /// Floats compare by value: a NaN differs from itself, and 0 equals -0.
     friend bool operator==(const AnimationKeyCommand&, const AnimationKeyCommand&) = default;
 
-    AnimationKeyCommandEffect effect;
-    AnimationKeyArgs args;
+    AnimationKeyCommandEffect effect; ///< What the layer does.
+    AnimationKeyArgs args;            ///< The values for it.
 
 protected:
     /// Throws std::invalid_argument unless `effect` (the one passed, not the field) expects `given`

@@ -34,11 +34,11 @@ public:
     Rotation& operator=(Rotation&&) = delete;
     ~Rotation() override;
 
-    const float pulseValue;
-    const float restValue;
-    const unsigned int riseDuration;
-    const unsigned int fallDuration;
-    const unsigned int stepDuration;
+    const float pulseValue;          ///< What each pulse reaches at its top.
+    const float restValue;           ///< What a layer holds before, between and after its pulses.
+    const unsigned int riseDuration; ///< Frames from rest to pulse.
+    const unsigned int fallDuration; ///< Frames from pulse back to rest.
+    const unsigned int stepDuration; ///< Frames by which each layer comes after the one before it.
 
 protected:
     /// Builds the layers and sets the sizes; for the constructor, which has no layers yet.

@@ -1,0 +1,44 @@
+# Debian packages, one for each component; script/package makes them.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_CONTACT "The animationmodel authors <animationmodel@users.noreply.example>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL runtime development)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libanimationmodel${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${PROJECT_SOURCE_DIR}/cmake/triggers")
+set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
+    "Key-frame animations as data (shared library)
+Builds, edits, loops, cuts and splits animations of named layers of keys, for
+programs that drive lights and robots. This package holds the shared library.")
+
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libanimationmodel-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+    "libanimationmodel${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION}), libstdc++-12-dev | libstdc++-dev")
+set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
+    "Key-frame animations as data (development files)
+Builds, edits, loops, cuts and splits animations of named layers of keys, for
+programs that drive lights and robots. This package holds the headers, the
+CMake package and the pkg-config file.")
+
+# What Debian wants to find beside each package.
+configure_file(cmake/debian-changelog.in doc/changelog @ONLY)
+execute_process(COMMAND gzip -9n INPUT_FILE "${CMAKE_CURRENT_BINARY_DIR}/doc/changelog"
+    OUTPUT_FILE "${CMAKE_CURRENT_BINARY_DIR}/doc/changelog.gz" COMMAND_ERROR_IS_FATAL ANY)
+foreach(component RUNTIME DEVELOPMENT)
+    string(TOLOWER ${component} lower)
+    set(doc "${CMAKE_INSTALL_DATAROOTDIR}/doc/${CPACK_DEBIAN_${component}_PACKAGE_NAME}")
+    install(FILES LICENSE DESTINATION ${doc} RENAME copyright COMPONENT ${lower})
+    install(FILES "${CMAKE_CURRENT_BINARY_DIR}/doc/changelog.gz" DESTINATION ${doc}
+        COMPONENT ${lower})
+endforeach()
+
+include(CPack)

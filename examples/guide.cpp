@@ -1,0 +1,65 @@
+// The program of docs/guide.md; writes its pictures into the folder that it is given.
+
+#include "Timeline.h"
+
+#include <fstream>
+#include <iostream>
+
+using namespace Kiv;
+
+namespace {
+
+std::string folder;
+
+void picture(const std::string& name, const std::string& title, const Animation& animation) {
+    std::ofstream file(folder + "/" + name);
+    write_svg(file, title, animation);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    folder = argc > 1 ? argv[1] : ".";
+    // The guide begins here.
+    Animation light;
+    light.pushBackInLayer("status", Transition, {0, 0.2F}, 20); // intro: fades in
+    light.pushBackInLayer("status", Transition, {0.2F, 1}, 20); // body: breathes in
+    light.pushBackInLayer("status", Transition, {1, 0.2F}, 20); //       and out
+    light.pushBackInLayer("status", Transition, {0.2F, 0}, 20); // outro: fades out
+    light.introSize = 20;
+    light.outroSize = 20;
+    picture("guide-1.svg", "One breath", light);
+
+    light = light.loop(5, /*repeatIntro=*/false, /*repeatOutro=*/false);
+    picture("guide-2.svg", "Five breaths", light);
+
+    light.setFPSToFitDurationInSeconds(8);
+    picture("guide-3.svg", "Eight seconds", light);
+
+    const auto rate = static_cast<unsigned int>(light.fps);
+    KeyVector alert;
+    while (Animation::durationInFramesOf(alert) < 2 * rate) {
+        alert.push_back({{Hold, {1}}, 5});
+        alert.push_back({{Hold, {0}}, 5});
+    }
+    light.overrideLayerWith("status", alert, 80);
+    picture("guide-4.svg", "An alert for two seconds", light);
+
+    LayerMap seconds;
+    for (const Animation& piece : light.splitEach(rate, /*keepIntro=*/true, /*keepOutro=*/true))
+        if (!piece.empty())
+            seconds["second " + std::to_string(seconds.size())] = piece.layer("status");
+    Animation pieces = seconds;
+    pieces.fps = light.fps;
+    picture("guide-5.svg", "One-second pieces", pieces);
+
+    unsigned int frame = 0;
+    for (const AnimationKey& key : light.layer("status")) {
+        std::cout << "at " << static_cast<float>(frame) / light.fps << " s:";
+        for (const float value : key.command.args)
+            std::cout << ' ' << value;
+        std::cout << '\n';
+        frame += key.duration;
+    }
+    // The guide ends here.
+}
