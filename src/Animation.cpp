@@ -111,6 +111,59 @@ void insert_keys(LayerMap& layers, const std::string& name, Keys keys, unsigned 
         edit_layer(layers, name, [&](KeyVector& layer) { insertion(layer, keys, frame).commit(); });
 }
 
+/// The outro's first frame in `animation`, which has `duration` frames.
+unsigned int outro_start(const Animation& animation, unsigned int duration) {
+    return duration - std::min(animation.outroSize, duration);
+}
+
+/// Inserts the layers of `other`, which all last `length` frames, into `layers` at `frame`; what
+/// stands there goes if `dropRest`.
+void insert_layers(LayerMap& layers, LayerMap& other, unsigned int length, unsigned int frame,
+                   bool dropRest) {
+    KeyVector silence;
+    fill(silence, length);
+    std::vector<Splice> edits;
+    edits.reserve(layers.size());
+    for (auto& [name, layer] : layers) {
+        const auto found = other.find(name);
+        edits.push_back(
+            insertion(layer, found != other.end() ? found->second : silence, frame, dropRest));
+    }
+    for (auto& [name, keys] : other)
+        if (frame > 0 && !layers.contains(name))
+            keys.insert(keys.begin(), AnimationKey(Wait, frame));
+
+    for (Splice& edit : edits)
+        edit.commit();
+    if (length > 0)
+        layers.merge(other);
+}
+
+/// Keeps the sizes in step with `count` frames inserted at `frame` into an animation of `duration`
+/// frames.
+void widen_sizes(Animation& animation, unsigned int duration, unsigned int frame,
+                 unsigned int count) {
+    if (animation.introSize > frame)
+        animation.introSize += count;
+    if (outro_start(animation, duration) < frame)
+        animation.outroSize += count;
+}
+
+/// Keeps the sizes in step with `count` frames removed from `start` on, from an
+/// animation of `duration` frames.
+void shrink_sizes(Animation& animation, unsigned int duration, unsigned int start,
+                  unsigned int count) {
+    const unsigned int end = end_of_range(start, count);
+    const unsigned int removed = std::min(count, duration - start);
+    const unsigned int outroStart = outro_start(animation, duration);
+    if (animation.introSize > start)
+        animation.introSize = end <= animation.introSize ? animation.introSize - count : start;
+    if (outroStart <= start)
+        animation.outroSize -= removed;
+    else if (outroStart < end)
+        animation.outroSize = duration - (start + removed);
+}
+
 bool is_wait(const AnimationKey& key) {
     return key.command.effect == Wait;
 }
@@ -254,12 +307,7 @@ unsigned int Animation::durationInFramesOf(const KeyVector& layer) {
 }
 
 unsigned int Animation::outroStartFrame() const {
-    return _outroStartFrame(durationInFrames());
-}
-
-/// The outro's first frame in an animation of `duration` frames.
-unsigned int Animation::_outroStartFrame(unsigned int duration) const {
-    return duration - std::min(outroSize, duration);
+    return outro_start(*this, durationInFrames());
 }
 
 float Animation::durationInSeconds() const {
@@ -381,8 +429,8 @@ void Animation::insert(Animation other, unsigned int frame) {
     if (length == 0)
         return;
     const unsigned int duration = durationInFrames();
-    _insertLayers(other, length, frame, false);
-    _widenSizes(duration, frame, length);
+    insert_layers(layers, other.layers, length, frame, false);
+    widen_sizes(*this, duration, frame, length);
 }
 
 void Animation::pushBack(Animation other, bool keepOutro, bool keepIntro) {
@@ -392,43 +440,12 @@ void Animation::pushBack(Animation other, bool keepOutro, bool keepIntro) {
         other.remove(0, other.introSize);
     }
     const unsigned int duration = durationInFrames();
-    const unsigned int end = keepOutro ? duration : _outroStartFrame(duration);
-    _insertLayers(other, length, end, end < duration);
+    const unsigned int end = keepOutro ? duration : outro_start(*this, duration);
+    insert_layers(layers, other.layers, length, end, end < duration);
     if (end < duration)
-        _shrinkSizes(duration, end, outroSize);
-    _widenSizes(end, end, length);
+        shrink_sizes(*this, duration, end, outroSize);
+    widen_sizes(*this, end, end, length);
     outroSize = other.outroSize;
-}
-
-/// Inserts the layers of `other`, which all last `length` frames, at `frame`; what stands there
-/// goes if `dropRest`.
-void Animation::_insertLayers(Animation& other, unsigned int length, unsigned int frame,
-                              bool dropRest) {
-    KeyVector silence;
-    fill(silence, length);
-    std::vector<Splice> edits;
-    edits.reserve(layers.size());
-    for (auto& [name, layer] : layers) {
-        const auto found = other.layers.find(name);
-        edits.push_back(insertion(layer, found != other.layers.end() ? found->second : silence,
-                                  frame, dropRest));
-    }
-    for (auto& [name, keys] : other.layers)
-        if (frame > 0 && !layers.contains(name))
-            keys.insert(keys.begin(), AnimationKey(Wait, frame));
-
-    for (Splice& edit : edits)
-        edit.commit();
-    if (length > 0)
-        layers.merge(other.layers);
-}
-
-/// Keeps the sizes in step with `count` frames inserted at `frame` of so many.
-void Animation::_widenSizes(unsigned int duration, unsigned int frame, unsigned int count) {
-    if (introSize > frame)
-        introSize += count;
-    if (_outroStartFrame(duration) < frame)
-        outroSize += count;
 }
 
 void Animation::remove(unsigned int start, unsigned int count) {
@@ -443,20 +460,7 @@ void Animation::remove(unsigned int start, unsigned int count) {
     }
     for (Splice& edit : edits)
         edit.commit();
-    _shrinkSizes(duration, start, count);
-}
-
-/// Keeps the sizes in step with `count` frames removed from `start` on, of so many before.
-void Animation::_shrinkSizes(unsigned int duration, unsigned int start, unsigned int count) {
-    const unsigned int end = end_of_range(start, count);
-    const unsigned int removed = std::min(count, duration - start);
-    const unsigned int outroStart = _outroStartFrame(duration);
-    if (introSize > start)
-        introSize = end <= introSize ? introSize - count : start;
-    if (outroStart <= start)
-        outroSize -= removed;
-    else if (outroStart < end)
-        outroSize = duration - (start + removed);
+    shrink_sizes(*this, duration, start, count);
 }
 
 void Animation::overrideLayersWith(const Animation& other, unsigned int frame) {
@@ -492,7 +496,7 @@ Animation Animation::loop(unsigned int count, bool repeatIntro, bool repeatOutro
         return result;
     }
     const unsigned int duration = check(layers, introSize, outroSize, fps).longest;
-    const unsigned int outroStart = _outroStartFrame(duration);
+    const unsigned int outroStart = outro_start(*this, duration);
     if (count > 1 && !layers.empty())
         check_frame_rate(defaultFps);
     const unsigned int once =

@@ -322,12 +322,6 @@ protected:
     static void _removeKeys(unsigned int& frame, KeyVector::iterator& it, KeyVector& layer,
                             unsigned int start, unsigned int count);
     /// @}
-
-private:
-    unsigned int _outroStartFrame(unsigned int duration) const;
-    void _insertLayers(Animation& other, unsigned int length, unsigned int frame, bool dropRest);
-    void _widenSizes(unsigned int duration, unsigned int frame, unsigned int count);
-    void _shrinkSizes(unsigned int duration, unsigned int start, unsigned int count);
 };
 
 } // namespace Kiv
