@@ -108,7 +108,10 @@ void adopt(LayerMap& layers, LayerMap& edited) noexcept {
 
 void insert_keys(LayerMap& layers, const std::string& name, Keys keys, unsigned int frame) {
     if (!keys.empty())
-        edit_layer(layers, name, [&](KeyVector& layer) { insertion(layer, keys, frame).commit(); });
+        edit_layer(layers, name, [&](KeyVector& layer) {
+            LayerCursor cursor(layer);
+            insertion(cursor, layer, keys, frame).commit();
+        });
 }
 
 /// The outro's first frame in `animation`, which has `duration` frames.
@@ -117,17 +120,20 @@ unsigned int outro_start(const Animation& animation, unsigned int duration) {
 }
 
 /// Inserts the layers of `other`, which all last `length` frames, into `layers` at `frame`; what
-/// stands there goes if `dropRest`.
-void insert_layers(LayerMap& layers, LayerMap& other, unsigned int length, unsigned int frame,
-                   bool dropRest) {
-    KeyVector silence;
-    fill(silence, length);
+/// stands there goes if `dropRest`. Returns the frames of the longest of `layers` before.
+unsigned int insert_layers(LayerMap& layers, LayerMap& other, unsigned int length,
+                           unsigned int frame, bool dropRest) {
+    const AnimationKey silence(Wait, std::max(length, 1U));
+    unsigned int duration = 0;
     std::vector<Splice> edits;
     edits.reserve(layers.size());
     for (auto& [name, layer] : layers) {
         const auto found = other.find(name);
-        edits.push_back(
-            insertion(layer, found != other.end() ? found->second : silence, frame, dropRest));
+        const Keys keys =
+            found != other.end() ? Keys(found->second) : Keys(&silence, length > 0 ? 1 : 0);
+        LayerCursor cursor(layer);
+        edits.push_back(insertion(cursor, layer, keys, frame, dropRest));
+        duration = std::max(duration, cursor.end());
     }
     for (auto& [name, keys] : other)
         if (frame > 0 && !layers.contains(name))
@@ -137,6 +143,7 @@ void insert_layers(LayerMap& layers, LayerMap& other, unsigned int length, unsig
         edit.commit();
     if (length > 0)
         layers.merge(other);
+    return duration;
 }
 
 /// Keeps the sizes in step with `count` frames inserted at `frame` into an animation of `duration`
@@ -183,7 +190,7 @@ unsigned int override_into(KeyVector& out, const KeyVector& layer, unsigned int 
         cursor.take(position).appendTo(out);
         if (cursor.frame < position)
             out.emplace_back(Wait, position - cursor.frame);
-        KeyRow{{}, {key, runEnd}, {}}.appendTo(out);
+        out.insert(out.end(), key, runEnd);
         position += static_cast<unsigned int>(total_of({key, runEnd}));
         cursor.walkTo(position);
         cursor.moveTo(position);
@@ -363,11 +370,11 @@ void Animation::_removeKeysOnTheWay(unsigned int& frame, KeyVector::iterator& it
 void Animation::_removeKeys(unsigned int& frame, KeyVector::iterator& it, KeyVector& layer,
                             unsigned int start, unsigned int count) {
     const auto from = static_cast<std::size_t>(it - layer.begin());
-    unsigned int end = frame;
-    Splice removed = removal(layer, from, end, start, count);
+    LayerCursor cursor(frame, Keys(layer).subspan(from));
+    Splice removed = removal(cursor, layer, start, count);
     removed.commit();
     it = removed.behindFront();
-    frame = end;
+    frame = cursor.frame;
 }
 
 void Animation::fillInLayer(const std::string& name, unsigned int frames) {
@@ -407,14 +414,17 @@ void Animation::pushBackInLayer(const std::string& name, AnimationKeyCommandEffe
 
 void Animation::removeInLayer(const std::string& name, unsigned int start, unsigned int count) {
     edit_layer(layers, name, [&](KeyVector& layer) {
-        unsigned int frame = 0;
-        removal(layer, 0, frame, start, count).commit();
+        LayerCursor cursor(layer);
+        removal(cursor, layer, start, count).commit();
     });
 }
 
 void Animation::overrideLayerWith(const std::string& name, const KeyVector& keys,
                                   unsigned int frame) {
-    const unsigned int duration = durationInFrames();
+    unsigned int duration = 0; // of the other layers; its own is found on the way
+    for (const auto& [other, layer] : layers)
+        if (other != name)
+            duration = std::max(duration, durationInFramesOf(layer));
     edit_layer(layers, name, [&](KeyVector& layer) {
         if (keys.empty())
             return fill(layer, duration);
@@ -428,8 +438,7 @@ void Animation::insert(Animation other, unsigned int frame) {
     const unsigned int length = fill_and_check(other);
     if (length == 0)
         return;
-    const unsigned int duration = durationInFrames();
-    insert_layers(layers, other.layers, length, frame, false);
+    const unsigned int duration = insert_layers(layers, other.layers, length, frame, false);
     widen_sizes(*this, duration, frame, length);
 }
 
@@ -449,15 +458,18 @@ void Animation::pushBack(Animation other, bool keepOutro, bool keepIntro) {
 }
 
 void Animation::remove(unsigned int start, unsigned int count) {
-    const unsigned int duration = durationInFrames();
-    if (count == 0 || duration <= start)
+    if (count == 0)
         return;
+    unsigned int duration = 0;
     std::vector<Splice> edits;
     edits.reserve(layers.size());
     for (auto& [name, layer] : layers) {
-        unsigned int frame = 0;
-        edits.push_back(removal(layer, 0, frame, start, count));
+        LayerCursor cursor(layer);
+        edits.push_back(removal(cursor, layer, start, count));
+        duration = std::max(duration, cursor.end());
     }
+    if (duration <= start)
+        return;
     for (Splice& edit : edits)
         edit.commit();
     shrink_sizes(*this, duration, start, count);

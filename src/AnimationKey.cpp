@@ -59,24 +59,27 @@ KeyVector AnimationKey::splitEach(unsigned int step) const {
         return {*this};
 
     const unsigned int full = (duration - 1) / step;
+    KeyVector pieces;
+    pieces.reserve(full + std::size_t{1});
     AnimationKey piece = *this;
     piece.duration = step;
-    KeyVector pieces(full + std::size_t{1}, piece);
-    pieces.back().duration = duration - full * step;
     if (moves(*this)) {
         const float start = command.args[0];
         const float slope = (command.args[1] - start) / static_cast<float>(duration);
         const float delta = static_cast<float>(step) * slope;
-        float to = start;
         for (unsigned int i = 0; i < full; ++i) {
             const float offset = static_cast<float>(i) * delta;
-            const float from = offset + start;
-            to = from + delta;
-            pieces[i].command.args[0] = from;
-            pieces[i].command.args[1] = to;
+            piece.command.args[0] = offset + start;
+            piece.command.args[1] = piece.command.args[0] + delta;
+            pieces.push_back(piece);
         }
-        pieces.back().command.args[0] = to;
+        piece.command.args[0] = piece.command.args[1];
+        piece.command.args[1] = command.args[1];
+    } else {
+        pieces.assign(full, piece);
     }
+    piece.duration = duration - full * step;
+    pieces.push_back(piece);
     return pieces;
 }
 

@@ -98,6 +98,11 @@ void LayerCursor::moveTo(unsigned int other) {
     frame = other;
 }
 
+unsigned int LayerCursor::end() const {
+    const unsigned int piece = front ? front->duration : 0;
+    return frame + piece + static_cast<unsigned int>(total_of(run));
+}
+
 /// Takes `key`, if there is one and it ends at or before `target`.
 std::optional<AnimationKey> LayerCursor::pass(std::optional<AnimationKey>& key,
                                               unsigned int target) {

@@ -56,17 +56,15 @@ public:
     /// Passes everything before `target`.
     KeyRow take(unsigned int target);
 
-    /// All that is still to come, without passing it and without what would fill up the layer.
+    /// All that is still to come, without passing it and without what would fill up the layer; its
+    /// front is the piece that a cut has left.
     KeyRow rest() const { return {front, run, std::nullopt}; }
 
     /// Has the next key begin at another frame than it did.
     void moveTo(unsigned int other);
 
-    /// The piece that a cut has left, if it is the next key.
-    const std::optional<AnimationKey>& piece() const { return front; }
-
-    /// The keys behind that piece.
-    Keys whole() const { return run; }
+    /// The frame at which the layer ends. Costs the keys still to come.
+    unsigned int end() const;
 
     unsigned int frame = 0;
 

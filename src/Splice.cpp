@@ -47,28 +47,28 @@ KeyVector::iterator Splice::behindFront() const {
     return at(*layer, first + row.front.has_value());
 }
 
-Splice insertion(KeyVector& layer, Keys keys, unsigned int frame, bool dropRest) {
-    LayerCursor cursor(layer);
+Splice insertion(LayerCursor& cursor, KeyVector& layer, Keys keys, unsigned int frame,
+                 bool dropRest) {
     const std::size_t first = cursor.walkTo(frame).run.size();
     KeyRow row{cursor.cutAt(frame), keys, std::nullopt};
     if (cursor.frame < frame && !keys.empty())
         row.front = AnimationKey(Wait, frame - cursor.frame);
     if (dropRest)
         return Splice(layer, first, layer.size(), row);
-    row.back = cursor.piece();
-    return Splice(layer, first, layer.size() - cursor.whole().size(), row);
+    row.back = cursor.rest().front;
+    return Splice(layer, first, layer.size() - cursor.rest().run.size(), row);
 }
 
-Splice removal(KeyVector& layer, std::size_t from, unsigned int& frame, unsigned int start,
-               unsigned int count) {
-    const unsigned int end = end_of_range(start, count);
-    LayerCursor cursor(frame, Keys(layer).subspan(from));
-    const std::size_t first = from + cursor.walkTo(start).run.size();
+Splice removal(LayerCursor& cursor, KeyVector& layer, unsigned int start, unsigned int count) {
+    cursor.walkTo(start);
+    const std::size_t first = layer.size() - cursor.rest().run.size();
     const std::optional<AnimationKey> head = cursor.cutAt(start);
+    const unsigned int end = end_of_range(start, count);
     cursor.walkTo(end);
-    frame = cursor.frame;
-    cursor.cutAt(end);
-    return Splice(layer, first, layer.size() - cursor.whole().size(), {head, {}, cursor.piece()});
+    LayerCursor behind = cursor;
+    behind.cutAt(end);
+    const KeyRow rest = behind.rest();
+    return Splice(layer, first, layer.size() - rest.run.size(), {head, {}, rest.front});
 }
 
 unsigned int end_of_range(unsigned int start, unsigned int count) {

@@ -27,13 +27,13 @@ private:
 };
 
 /// Puts `keys` at `frame` of `layer`, behind a `Wait` key if it ends before; what stands there
-/// follows them, or goes if `dropRest`.
-Splice insertion(KeyVector& layer, Keys keys, unsigned int frame, bool dropRest = false);
+/// follows them, or goes if `dropRest`. Moves `cursor`, at the start of the layer, to `frame`.
+Splice insertion(LayerCursor& cursor, KeyVector& layer, Keys keys, unsigned int frame,
+                 bool dropRest = false);
 
-/// Takes the frames [start, start + count) out of `layer`, of which the key at index `from` begins
-/// at `frame`. Moves `frame` to where, before any cut, the first key behind the range began.
-Splice removal(KeyVector& layer, std::size_t from, unsigned int& frame, unsigned int start,
-               unsigned int count);
+/// Takes the frames [start, start + count) out of `layer`. Moves `cursor`, somewhere before, to the
+/// first key behind the range, or the one that the range ends inside.
+Splice removal(LayerCursor& cursor, KeyVector& layer, unsigned int start, unsigned int count);
 
 /// The end of the range of `count` frames from `start`, or the last frame there can be.
 unsigned int end_of_range(unsigned int start, unsigned int count);

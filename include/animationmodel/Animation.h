@@ -102,8 +102,13 @@ public:
     /// A layer that is missing is created where nothing else is said.
     /// @{
 
-    /// Appends one `Wait` key that makes the layer last `frames` frames; nothing if it already
-    /// lasts as long or longer. With 0 frames a missing layer is created empty.
+    /// Appends one `Wait` key that makes the layer last `frames` frames.
+    ///
+    ///     before  | A A A A |                          fillInLayer("led", 7)
+    ///     after   | A A A A | ~ ~ ~ |
+    ///
+    /// Nothing happens to a layer that lasts as long or longer; with 0 frames a missing one is
+    /// created empty. Costs the keys of the layer.
     void fillInLayer(const std::string& name, unsigned int frames);
 
     /// Inserts `keys` at `frame`; what stood there follows them.
@@ -127,8 +132,13 @@ public:
     void insertInLayer(const std::string& name, AnimationKeyCommandEffect effect,
                        const std::vector<float>& args, unsigned int duration, unsigned int frame);
 
-    /// Appends `keys` at the end of the layer. The layer is created even without keys.
-    /// Costs the keys appended; the layer grows as a std::vector does.
+    /// Appends `keys` at the end of the layer.
+    ///
+    ///     before  | A A A A |                          pushBackInLayer("led", X(3))
+    ///     after   | A A A A | X X X |
+    ///
+    /// The layer is created even without keys. Costs the keys appended; the layer grows as a
+    /// std::vector does.
     void pushBackInLayer(const std::string& name, const KeyVector& keys);
     /// The same with one key.
     void pushBackInLayer(const std::string& name, const AnimationKey& key);
@@ -202,12 +212,22 @@ public:
     void pushBack(Animation other, bool keepOutro, bool keepIntro);
 
     /// Takes the frames [start, start + count) out of every layer, as `removeInLayer` does, and off
-    /// `introSize` and `outroSize` what was theirs. A `count` of 0, or a `start` at or past the end
-    /// of the animation, changes nothing. Costs all keys.
+    /// `introSize` and `outroSize` what was theirs.
+    ///
+    ///     before  | A A A | B B B B B |              introSize 3, remove(1, 4)
+    ///     after   | A | B B B |                      introSize 1
+    ///
+    /// A `count` of 0, or a `start` at or past the end of the animation, changes nothing.
+    /// Costs all keys.
     void remove(unsigned int start, unsigned int count);
 
     /// Calls `overrideLayerWith` for each layer of `other`, in the order of their names, creating
     /// those that are missing. Each fills up to the duration that the ones before it have left.
+    ///
+    ///     before  L | A A A A | B B B B |            overrideLayersWith(L = X(4) M = Y(2), 4)
+    ///     after   L | A A A A | X X X X |
+    ///             M | ~ ~ ~ ~ | Y Y | ~ ~ ~ ~ |      the filler was cut, its rest moved
+    ///
     /// Sizes stay; an `other` without layers changes nothing. Costs all keys of both.
     void overrideLayersWith(const Animation& other, unsigned int frame);
 
@@ -274,6 +294,10 @@ public:
     }
 
     /// The same for cuts at 0, `step`, 2 x `step` and so on up to the duration, itself included.
+    ///
+    ///     before  | A A A A | B B B B B B |             splitEach(4, ...)
+    ///     pieces  |   | A A A A | B B B B | B B |
+    ///
     /// The first piece is therefore always empty, and the last one too if `step` divides the
     /// duration. Throws std::invalid_argument if `step` or `fps` is 0, or `fps` less.
     std::vector<Animation> splitEach(unsigned int step, bool keepIntro, bool keepOutro) const;
