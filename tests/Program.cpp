@@ -33,10 +33,12 @@ public:
         : bytes(bytes), extreme(check == Check::Extremes), failing(check == Check::Memory),
           calls(calls) {}
 
-    std::string result() {
+    /// What went wrong, behind the calls that led to it if they are `written` down; "" if nothing.
+    std::string result(bool written) {
+        writing = written;
         while (next < bytes.size() && fault.empty())
             step();
-        return fault;
+        return log + fault;
     }
 
 private:
@@ -109,7 +111,8 @@ private:
     Animation animations[2];
     Model models[2];
     unsigned int which = 0; ///< On which of the two the step works.
-    std::string fault;
+    bool writing = false;
+    std::string log, fault;
 };
 
 void Run::step() {
@@ -280,15 +283,14 @@ void Run::step() {
         },
     };
     const std::size_t operation = take(std::size(operations));
-    const std::string before = "operation " + std::to_string(operation) + " of " + show(it) +
-                               " with " + name + " " + std::to_string(frame) + " " +
-                               std::to_string(count) + " " + show(keys) + " other " + show(other);
+    if (writing)
+        log += show(it) + "\n  " + std::to_string(operation) + " of " + "ab"[which] + " with " +
+               name + " " + std::to_string(frame) + " " + std::to_string(count) + " " + show(keys) +
+               "\n";
     operations[operation]();
     if (extreme)
         return;
     compare(it, model);
-    if (!fault.empty())
-        fault = before + ": " + fault;
     if (model.duration() > 200) {
         it.reset();
         model = Model();
@@ -299,7 +301,9 @@ void Run::step() {
 
 std::string run_program(const std::vector<unsigned char>& bytes, Check check,
                         unsigned long& calls) {
-    return Run(bytes, check, calls).result();
+    if (Run(bytes, check, calls).result(false).empty())
+        return "";
+    return Run(bytes, check, calls).result(true);
 }
 
 } // namespace Kiv

@@ -20,8 +20,8 @@ enum class Check {
     Extremes ///< Arguments are the most extreme there are; each call comes back.
 };
 
-/// Runs the program of public operations that `bytes` stand for. Returns what went wrong, with the
-/// call and what it worked on; "" if nothing did. Adds to `calls` how many ended well or refused.
+/// Runs the program of public operations that `bytes` stand for. Returns the calls that led to what
+/// went wrong, and what that was; "" if nothing did. Adds to `calls` how many ended well or refused.
 std::string run_program(const std::vector<unsigned char>& bytes, Check check, unsigned long& calls);
 
 } // namespace Kiv
