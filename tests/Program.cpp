@@ -74,20 +74,23 @@ private:
         return key;
     }
 
-    /// Makes a call on an animation, which the model makes as well unless it is refused.
-    void act(
-        const std::function<void()>& call, const std::function<void()>& play = [] {},
-        bool refused = false) {
+    /// A call on an animation, and what it does on the model unless it is refused.
+    struct Operation {
+        std::function<void()> call, play = [] {};
+        bool refused = false;
+    };
+
+    void act(const Operation& operation) {
         for (unsigned long nth = 1; fault.empty(); ++nth)
             try {
                 memory.failAt = failing ? nth : 0;
-                const std::string error = refusal(call);
+                const std::string error = refusal(operation.call);
                 memory.failAt = 0;
                 ++calls;
-                if (!extreme && error.empty() == refused)
-                    fault = refused ? "should be refused" : error;
-                if (!extreme && !refused)
-                    play();
+                if (!extreme && error.empty() == operation.refused)
+                    fault = operation.refused ? "should be refused" : error;
+                if (!extreme && !operation.refused)
+                    operation.play();
                 return;
             } catch (const std::bad_alloc&) {
                 memory.failAt = 0;
@@ -129,165 +132,117 @@ void Run::step() {
     const unsigned int frame = takeNumber(64);
     const unsigned int count = take(16) == 0 ? 4294967295 - take(2) : takeNumber(24);
     const bool first = take(2) != 0, second = take(2) != 0;
+    if (const auto layer = it.layers.find(name); layer != it.layers.end())
+        layer->second.reserve(take(3) == 0 ? 50 : 0); // so that some edits are made in place
     KeyVector given;
     for (unsigned int i = take(6); i > 0; --i)
         given.push_back(takeKey());
     const auto own = it.layers.find(names[take(5)]);
     const KeyVector& keys = take(4) == 0 && own != it.layers.end() ? own->second : given;
     const Frames written = extreme ? Frames() : frames_of(keys);
-    const Frames last = extreme || keys.empty() ? Frames() : frames_of({keys.back()});
+    const AnimationKey spare(Wait, 3);
+    const AnimationKey& single = keys.empty() ? spare : keys.back();
+    const Frames last = extreme ? Frames() : frames_of({single});
     const unsigned int number = take(5);
     const auto effect = AnimationKeyCommandEffect(number);
     const std::vector<float> args(take(4), 1.5F);
     const unsigned int length = count % 99;
     const bool mismatch = args.size() != (number < 2 ? 2 - number : 0) || length == 0;
-    if (const auto layer = it.layers.find(name); layer != it.layers.end())
-        layer->second.reserve(take(3) == 0 ? 50 : 0); // so that some edits are made in place
 
     Animation result;
     std::vector<Animation> pieces;
     LayerMap parts[3];
     std::set<unsigned int> cuts{frame, count % 64, count % 5};
-    const auto edit = [&](const auto& change) { model.layers[name] = change(model.layers[name]); };
-    const auto comparePieces = [&] {
-        const std::vector<Model> expected = model.split(cuts, first, second);
+    std::set<unsigned int> multiples;
+    for (std::uint64_t i = 0; !extreme && count > 0 && i <= model.duration(); i += count)
+        multiples.insert(static_cast<unsigned int>(i));
+    const unsigned int times = extreme ? count : count % 4, intro = extreme ? frame : frame % 32,
+                       outro = extreme ? count : count % 32;
+    Model sized = model;
+    sized.intro = intro;
+    sized.outro = outro;
+    const std::optional<Model> built = sized.copy();
+    const auto layer = [&]() -> Frames& { return model.layers[name]; };
+    const auto key = [&] { return frames_of({{{effect, args}, length}}); };
+    const auto comparePieces = [&](const std::set<unsigned int>& at) {
+        const std::vector<Model> expected = model.split(at, first, second);
         if (pieces.size() != expected.size())
             fault = "should give " + std::to_string(expected.size()) + " pieces";
         for (std::size_t i = 0; fault.empty() && i < pieces.size(); ++i)
             compare(pieces[i], expected[i]);
     };
-    const std::function<void()> operations[] = {
-        [&] {
-            act([&] { it.insertInLayer(name, keys, frame); },
-                [&] {
-                    if (!written.empty())
-                        edit([&](auto& layer) { return inserted(layer, written, frame); });
-                });
-        },
-        [&] {
-            if (!keys.empty())
-                act([&] { it.insertInLayer(name, keys.back(), frame); },
-                    [&] { edit([&](auto& layer) { return inserted(layer, last, frame); }); });
-        },
-        [&] {
-            act([&] { it.insertInLayer(name, effect, args, length, frame); },
-                [&] {
-                    const Frames key = frames_of({{{effect, args}, length}});
-                    edit([&](auto& layer) { return inserted(layer, key, frame); });
-                },
-                mismatch);
-        },
-        [&] {
-            act([&] { it.pushBackInLayer(name, keys); },
-                [&] { edit([&](auto& layer) {
-                          return joined({layer, written});
-                      }); });
-        },
-        [&] {
-            act([&] { it.pushBackInLayer(name, effect, args, length); },
-                [&] {
-                    const Frames key = frames_of({{{effect, args}, length}});
-                    edit([&](auto& layer) { return joined({layer, key}); });
-                },
-                mismatch);
-        },
-        [&] {
-            act([&] { it.fillInLayer(name, frame); },
-                [&] { edit([&](auto& layer) { return filled(layer, frame); }); });
-        },
-        [&] {
-            act([&] { it.removeInLayer(name, frame, count); },
-                [&] { edit([&](auto& layer) { return removed(layer, frame, count); }); });
-        },
-        [&] {
-            act([&] { it.overrideLayerWith(name, keys, frame); },
-                [&] {
-                    model.overrideWith({{name, written}}, frame);
-                });
-        },
-        [&] {
-            act([&] { it.insert(other, frame); }, [&] { model.insert(*otherCopy, frame); },
-                !otherCopy);
-        },
-        [&] { // moved in, so filled and checked by the call
-            act(
-                [&] {
-                    Animation moved;
-                    moved.layers = other.layers;
-                    moved.introSize = other.introSize;
-                    moved.outroSize = other.outroSize;
-                    it.insert(std::move(moved), frame);
-                },
-                [&] { model.insert(*otherCopy, frame); }, !otherCopy);
-        },
-        [&] {
-            act([&] { it.pushBack(other, first, second); },
-                [&] { model.pushBack(*otherCopy, first, second); }, !otherCopy);
-        },
-        [&] { act([&] { it.remove(frame, count); }, [&] { model.remove(frame, count); }); },
-        [&] {
-            act([&] { it.overrideLayersWith(other, frame); },
-                [&] { model.overrideWith(otherLayers, frame); });
-        },
-        [&] {
-            act(
-                [&] {
-                    std::ranges::fill(parts, LayerMap());
-                    it.introBodyOutroLayers(parts[0], parts[1], parts[2]);
-                },
-                [&] {
-                    const std::size_t end = std::max(model.intro, model.outroStart());
-                    const std::size_t ends[] = {0, model.intro, end, 99999};
-                    for (std::size_t i = 0; i < 3; ++i) {
-                        result.layers = parts[i];
-                        compare(result, model.part(ends[i], ends[i + 1]));
-                    }
-                });
-        },
-        [&] {
-            const unsigned int times = extreme ? count : count % 4;
-            act([&] { result = it.loop(times, first, second); },
-                [&] { compare(result, copy->looped(times, first, second)); }, !copy);
-        },
-        [&] { act([&] { pieces = it.splitAt(cuts, first, second); }, comparePieces); },
-        [&] {
-            cuts.clear();
-            for (std::uint64_t i = 0; !extreme && count > 0 && i <= model.duration(); i += count)
-                cuts.insert(static_cast<unsigned int>(i));
-            act([&] { pieces = it.splitEach(count, first, second); }, comparePieces, count == 0);
-        },
-        [&] { act([&] { it = other; }, [&] { model = *otherCopy; }, !otherCopy); },
-        [&] {
-            Model sized = model;
-            sized.intro = frame % 32;
-            sized.outro = count % 32;
-            const auto built = sized.copy();
-            act([&] { it = Animation(LayerMap(it.layers), frame % 32, count % 32); },
-                [&] { model = *built; }, !built);
-        },
-        [&] {
-            it.introSize = extreme ? frame : frame % 32;
-            it.outroSize = extreme ? count : count % 32;
-            model.intro = it.introSize;
-            model.outro = it.outroSize;
-        },
-        [&] {
-            if (!extreme)
-                return;
-            act([&] { it.setFPSToFitDurationInSeconds(takeFloat()); });
-            act([&] { it.simulatedDurationInSeconds(takeFloat()); });
-            act([&] { takeKey().splitAt(frame); });
-            act([&] { takeKey().splitEach(count); });
-            act([&] { result = Rotation(takeFloat(), takeFloat(), frame, count, takeNumber(0)); });
-            act([&] { it.layer(name); });
-        },
+    const Operation operations[] = {
+        {[&] { it.insertInLayer(name, keys, frame); },
+         [&] { written.empty() ? Frames() : layer() = inserted(layer(), written, frame); }},
+        {[&] { it.insertInLayer(name, single, frame); },
+         [&] { layer() = inserted(layer(), last, frame); }},
+        {[&] { it.insertInLayer(name, effect, args, length, frame); },
+         [&] { layer() = inserted(layer(), key(), frame); }, mismatch},
+        {[&] { it.pushBackInLayer(name, keys); },
+         [&] {
+             layer() = joined({layer(), written});
+         }},
+        {[&] { it.pushBackInLayer(name, effect, args, length); },
+         [&] {
+             layer() = joined({layer(), key()});
+         },
+         mismatch},
+        {[&] { it.fillInLayer(name, frame); }, [&] { layer() = filled(layer(), frame); }},
+        {[&] { it.removeInLayer(name, frame, count); },
+         [&] { layer() = removed(layer(), frame, count); }},
+        {[&] { it.overrideLayerWith(name, keys, frame); },
+         [&] {
+             model.overrideWith({{name, written}}, frame);
+         }},
+        {[&] { it.insert(other, frame); }, [&] { model.insert(*otherCopy, frame); }, !otherCopy},
+        {[&] { // moved in, so filled and checked by the call
+             Animation moved;
+             moved.layers = other.layers;
+             moved.introSize = other.introSize;
+             moved.outroSize = other.outroSize;
+             it.insert(std::move(moved), frame);
+         },
+         [&] { model.insert(*otherCopy, frame); }, !otherCopy},
+        {[&] { it.pushBack(other, first, second); },
+         [&] { model.pushBack(*otherCopy, first, second); }, !otherCopy},
+        {[&] { it.remove(frame, count); }, [&] { model.remove(frame, count); }},
+        {[&] { it.overrideLayersWith(other, frame); },
+         [&] { model.overrideWith(otherLayers, frame); }},
+        {[&] {
+             std::ranges::fill(parts, LayerMap());
+             it.introBodyOutroLayers(parts[0], parts[1], parts[2]);
+         },
+         [&] {
+             const std::size_t end = std::max(model.intro, model.outroStart());
+             const std::size_t ends[] = {0, model.intro, end, 99999};
+             for (std::size_t i = 0; i < 3; ++i) {
+                 result.layers = parts[i];
+                 compare(result, model.part(ends[i], ends[i + 1]));
+             }
+         }},
+        {[&] { result = it.loop(times, first, second); },
+         [&] { compare(result, copy->looped(times, first, second)); }, !copy},
+        {[&] { pieces = it.splitAt(cuts, first, second); }, [&] { comparePieces(cuts); }},
+        {[&] { pieces = it.splitEach(count, first, second); }, [&] { comparePieces(multiples); },
+         count == 0},
+        {[&] { it = other; }, [&] { model = *otherCopy; }, !otherCopy},
+        {[&] { it = Animation(LayerMap(it.layers), intro, outro); }, [&] { model = *built; },
+         !built},
+        {[&] { it.introSize = intro, it.outroSize = outro; }, [&] { model = sized; }},
+        // Only with extreme arguments, for the model has no frame rate:
+        {[&] { it.setFPSToFitDurationInSeconds(takeFloat()); }},
+        {[&] { it.simulatedDurationInSeconds(takeFloat()); }},
+        {[&] { takeKey().splitAt(frame); }},
+        {[&] { takeKey().splitEach(count); }},
+        {[&] { result = Rotation(takeFloat(), takeFloat(), frame, count, takeNumber(0)); }},
+        {[&] { it.layer(name); }},
     };
-    const std::size_t operation = take(std::size(operations));
+    const std::size_t operation = take(std::size(operations) - (extreme ? 0 : 6));
     if (writing)
         log += show(it) + "\n  " + std::to_string(operation) + " of " + "ab"[which] + " with " +
                name + " " + std::to_string(frame) + " " + std::to_string(count) + " " + show(keys) +
                "\n";
-    operations[operation]();
+    act(operations[operation]);
     if (extreme)
         return;
     compare(it, model);
