@@ -21,7 +21,8 @@ enum class Check {
 };
 
 /// Runs the program of public operations that `bytes` stand for. Returns the calls that led to what
-/// went wrong, and what that was; "" if nothing did. Adds to `calls` how many ended well or refused.
+/// went wrong, and what that was; "" if nothing did. Adds to `calls` how many ended well or
+/// refused.
 std::string run_program(const std::vector<unsigned char>& bytes, Check check, unsigned long& calls);
 
 } // namespace Kiv
