@@ -125,7 +125,8 @@ std::vector<Step> build(const Options& options) {
 
 volatile std::sig_atomic_t interrupted = 0;
 
-void play(const Animation& animation) {
+/// Plays on until interrupted; without colours a light shows by how dense its sign is.
+void play(const Animation& animation, bool coloured) {
     const ValueRange range(animation);
     const unsigned int duration = animation.durationInFrames();
     const std::chrono::duration<double> frameTime(1.0 / static_cast<double>(animation.fps));
@@ -138,11 +139,16 @@ void play(const Animation& animation) {
         std::cout << "\r  ";
         for (const auto& [name, layer] : animation.layers) {
             const auto value = value_at(layer, frame);
-            const Colour colour = value ? colour_of(range.level(*value)) : Colour{0, 0, 0};
-            std::cout << "\x1b[38;2;" << colour.red << ';' << colour.green << ';' << colour.blue
-                      << "m\u25cf ";
+            const int level = value ? range.level(*value) : 0;
+            const Colour colour = value ? colour_of(level) : Colour{0, 0, 0};
+            if (coloured)
+                std::cout << "\x1b[38;2;" << colour.red << ';' << colour.green << ';' << colour.blue
+                          << "m\u25cf ";
+            else
+                std::cout << ".:-=+*#@"[level / 32] << ' ';
         }
-        std::cout << "\x1b[0m frame " << frame << " of " << duration << "\x1b[K" << std::flush;
+        std::cout << (coloured ? "\x1b[0m frame " : " frame ") << frame << " of " << duration
+                  << "\x1b[K" << std::flush;
         std::this_thread::sleep_until(start + frameTime * static_cast<double>(count + 1));
     }
     std::cout << "\r\x1b[K\x1b[?25h" << std::flush;
@@ -159,15 +165,15 @@ void run(const Options& options) {
             throw std::invalid_argument("cannot write " + options.svg);
     }
     const bool terminal = isatty(STDOUT_FILENO) != 0;
+    const bool coloured = terminal && std::getenv("NO_COLOR") == nullptr;
     for (std::size_t i = 0; i < steps.size(); ++i) {
         std::cout << i + 1 << ". " << steps[i].title << '\n';
-        print_timeline(std::cout, steps[i].animation, 100,
-                       terminal && std::getenv("NO_COLOR") == nullptr);
+        print_timeline(std::cout, steps[i].animation, 100, coloured);
         std::cout << '\n';
     }
     std::cout << "0>1 is a Transition, 1 a Hold, ~ a Wait\n";
     if (options.play && terminal)
-        play(result);
+        play(result, coloured);
     else if (options.play)
         std::cout << "(--play needs a terminal)\n";
 }
