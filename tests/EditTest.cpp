@@ -46,9 +46,11 @@ TEST(EditTest, SizesKeepInStepWithTheFrames) {
     }
     Animation it = animation("a: T0,100:10 | 2 3");
     it.pushBack(animation("a: T0,50:5 | 1 2"), /*keepOutro=*/false, /*keepIntro=*/false);
+    it.introSize = 12;
+    it.remove(11, 3); // at the end there is nothing to take away, not even from the intro
     it.insertInLayer("b", {}, 7);
     it.pushBackInLayer("c", {});
-    EXPECT_EQ(show(it), "a: T0,70:7 T10,50:4; c:  | 2 2");
+    EXPECT_EQ(show(it), "a: T0,70:7 T10,50:4; c:  | 12 2");
 }
 
 TEST(EditTest, CutsIntroBodyAndOutroBehindWhatTheMapsHold) {

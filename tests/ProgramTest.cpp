@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <random>
 #include <thread>
+#include <utility>
 
 using namespace Kiv;
 
@@ -39,6 +40,21 @@ TEST(ProgramTest, ExtremeArgumentsAreSafe) {
     memory.largest = 1 << 24;
     expectPrograms(Check::Extremes, 500, 50000);
     memory.largest = SIZE_MAX;
+}
+
+TEST(ProgramTest, MessagesAreWholeOrOutOfMemory) {
+    const Animation none;
+    const std::string name(600, 'n');
+    bool failed = true;
+    for (unsigned long nth = 1; failed; ++nth)
+        try {
+            memory.failAt = nth;
+            const std::string text = refusal([&] { none.layer(name); });
+            failed = std::exchange(memory.failAt, 0) == 0;
+            EXPECT_EQ(text,
+                      "Layer name given as parameter (" + name + ") does not exist in animation");
+        } catch (const std::bad_alloc&) {
+        }
 }
 
 TEST(ProgramTest, ThreadsShareOneConstAnimation) {

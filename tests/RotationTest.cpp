@@ -37,8 +37,8 @@ TEST(RotationTest, RefusesNoDurationAndTooLongOnes) {
     EXPECT_EQ(refusal([] { Rotation(1, 0, 2, 0, 1); }), empty);
     EXPECT_EQ(refusal([] { Rotation(1, 0, 2, 3, 0); }), empty);
     EXPECT_EQ(Rotation(1, 0, 1, 1073741819, 1).durationInFrames(), 2147483647U);
-    EXPECT_EQ(refusal([] { Rotation(1, 0, 1, 1073741820, 1); }),
-              "Rotation would last 2147483649 frames but should last less than 2147483648");
+    EXPECT_EQ(refusal([] { Rotation(1, 0, 67108864, 67108864, 134217728); }),
+              "Rotation would last 2147483648 frames but should last less than 2147483648");
     const DefaultFps none(0);
     EXPECT_EQ(refusal([] { Rotation(1, 0, 2, 3, 1); }), "FPS should be strictly higher than 0");
 }
