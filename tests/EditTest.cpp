@@ -58,12 +58,13 @@ TEST(EditTest, CutsIntroBodyAndOutroBehindWhatTheMapsHold) {
     animation("a: T0,60:6 | 2 1").introBodyOutroLayers(all, all, all);
     EXPECT_EQ(show(all), "a: N:1 T0,20:2 T20,50:3 T50,60:1; x: N:2");
     for (int own = 0; own < 3; ++own) { // one of the maps is the animation's
-        Animation it = animation("a: H1:4; b: N:4 | 1 1");
+        Animation it = animation("a: H1:4 N:2 W:2 | 1 1");
+        it.layers["a"].shrink_to_fit();
         LayerMap maps[3];
         it.introBodyOutroLayers(own == 0 ? it.layers : maps[0], own == 1 ? it.layers : maps[1],
                                 own == 2 ? it.layers : maps[2]);
-        EXPECT_EQ(show(it.layers),
-                  own == 1 ? "a: H1:4 H1:2; b: N:4 N:2" : "a: H1:4 H1:1; b: N:4 N:1");
+        const char* added[] = {"H1:1", "H1:3 N:2 W:1", "W:1"};
+        EXPECT_EQ(show(it.layers), "a: H1:4 N:2 W:2 " + std::string(added[own]));
     }
 }
 
