@@ -3,23 +3,9 @@
 #include "Model.h"
 
 #include <animationmodel/Rotation.h>
-#include <cstdlib>
 #include <functional>
 #include <limits>
 #include <new>
-
-void* operator new(std::size_t size) {
-    const bool fails = Kiv::memory.failAt > 0 && --Kiv::memory.failAt == 0;
-    void* place = fails || size > Kiv::memory.largest ? nullptr : std::malloc(size);
-    return place != nullptr ? place : throw std::bad_alloc();
-}
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete" // both sides are here
-void operator delete(void* place) noexcept {
-    std::free(place);
-}
-void operator delete(void* place, std::size_t) noexcept {
-    std::free(place);
-}
 
 namespace Kiv {
 

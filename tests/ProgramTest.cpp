@@ -3,9 +3,26 @@
 
 #include <cstdlib>
 #include <gtest/gtest.h>
+#include <new>
 #include <random>
 #include <thread>
 #include <utility>
+
+void* operator new(std::size_t size) {
+    const bool fails = Kiv::memory.failAt > 0 && --Kiv::memory.failAt == 0;
+    void* place = fails || size > Kiv::memory.largest ? nullptr : std::malloc(size);
+    return place != nullptr ? place : throw std::bad_alloc();
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size);
+}
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete" // both sides are here
+void operator delete(void* place) noexcept {
+    std::free(place);
+}
+void operator delete(void* place, std::size_t) noexcept {
+    std::free(place);
+}
 
 using namespace Kiv;
 
