@@ -13,6 +13,10 @@ write_basic_package_version_file(animationmodelConfigVersion.cmake COMPATIBILITY
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/animationmodelConfigVersion.cmake"
     DESTINATION "${package_dir}" COMPONENT development)
 
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}" OR IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
+    message(FATAL_ERROR "CMAKE_INSTALL_LIBDIR and CMAKE_INSTALL_INCLUDEDIR must be relative")
+endif()
+
 # The prefix is found from where the file lies, so that the installed tree can be moved.
 set(pkgconfig_dir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 set(prefix "/prefix")

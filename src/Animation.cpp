@@ -193,7 +193,7 @@ unsigned int override_into(KeyVector& out, const KeyVector& layer, unsigned int 
         out.insert(out.end(), key, runEnd);
         position += static_cast<unsigned int>(total_of({key, runEnd}));
         cursor.walkTo(position);
-        cursor.moveTo(position);
+        cursor.restBeginsAt(position);
         key = runEnd;
     }
     cursor.walkTo(lastFrame).appendTo(out);
@@ -438,7 +438,8 @@ void Animation::insert(Animation other, unsigned int frame) {
     const unsigned int length = fill_and_check(other);
     if (length == 0)
         return;
-    const unsigned int duration = insert_layers(layers, other.layers, length, frame, false);
+    const unsigned int duration =
+        insert_layers(layers, other.layers, length, frame, /*dropRest=*/false);
     widen_sizes(*this, duration, frame, length);
 }
 

@@ -93,8 +93,8 @@ KeyRow LayerCursor::take(unsigned int target) {
     return taken;
 }
 
-void LayerCursor::moveTo(unsigned int other) {
-    moved += other - frame;
+void LayerCursor::restBeginsAt(unsigned int other) {
+    shifted += other - frame;
     frame = other;
 }
 
@@ -113,7 +113,7 @@ std::optional<AnimationKey> LayerCursor::pass(std::optional<AnimationKey>& key,
 
 /// The `Wait` key that fills up the layer, once.
 std::optional<AnimationKey> LayerCursor::filler() {
-    const unsigned int end = frame - moved;
+    const unsigned int end = frame - shifted;
     const unsigned int frames = std::exchange(fillTo, 0);
     if (frames <= end)
         return std::nullopt;

@@ -60,8 +60,8 @@ public:
     /// front is the piece that a cut has left.
     KeyRow rest() const { return {front, run, std::nullopt}; }
 
-    /// Has the next key begin at another frame than it did.
-    void moveTo(unsigned int other);
+    /// Has what is still to come begin at `other`.
+    void restBeginsAt(unsigned int other);
 
     /// The frame at which the layer ends. Costs the keys still to come.
     unsigned int end() const;
@@ -75,7 +75,7 @@ private:
     std::optional<AnimationKey> front;
     Keys run;
     unsigned int fillTo = 0;
-    unsigned int moved = 0; ///< Frames by which `moveTo` has shifted what is still to come.
+    unsigned int shifted = 0; ///< Frames by which `restBeginsAt` has shifted what is still to come.
 };
 
 } // namespace Kiv

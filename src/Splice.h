@@ -27,7 +27,8 @@ private:
 };
 
 /// Puts `keys` at `frame` of `layer`, behind a `Wait` key if it ends before; what stands there
-/// follows them, or goes if `dropRest`. Moves `cursor`, at the start of the layer, to `frame`.
+/// follows them, or goes if `dropRest`. Moves `cursor`, at the start of the layer, to `frame`, or
+/// to the end of the layer if that comes before.
 Splice insertion(LayerCursor& cursor, KeyVector& layer, Keys keys, unsigned int frame,
                  bool dropRest = false);
 

@@ -12,9 +12,7 @@ TEST(EditTest, WaitsShowTheLayerThroughAndARunMovesTheKeyItEndsInside) {
         unsigned int frame;
         const char* expected;
     } rows[] = {
-        {"H9:6", 4, "H1:4 H9:6 H3:5"},
         {"H9:3", 4, "H1:4 H9:3 T0,60:6 H3:5"},
-        {"H9:4 W:6 H8:5", 0, "H9:4 T0,60:6 H8:5"},
         {"H9:1 W:2 H8:3", 4, "H1:4 H9:1 T0,20:2 H8:3 T20,60:4 H3:5"},
         {"H9:2 W:1 H8:2", 17, "H1:4 T0,60:6 H3:5 W:2 H9:2 W:1 H8:2"},
     };
@@ -70,7 +68,6 @@ TEST(EditTest, CutsIntroBodyAndOutroBehindWhatTheMapsHold) {
 
 TEST(EditTest, LoopsTheBody) {
     const Animation it = animation("a: T0,60:6; b: N:1 | 2 1");
-    EXPECT_EQ(show(it.loop(0, true, true)), "a: T0,20:2 T50,60:1; b: N:1 W:1 W:1 | 2 1");
     EXPECT_EQ(show(it.loop(2, true, true)), "a: T0,20:2 T20,50:3 T50,60:1 T0,20:2 T20,60:4; "
                                             "b: N:1 W:1 W:3 W:1 N:1 W:1 W:4 | 2 1");
     const Animation bodiless = animation("a: T0,30:3 | 2 1");
@@ -83,6 +80,7 @@ TEST(EditTest, LoopsTheBody) {
               "2147483648");
     EXPECT_NE(refusal([&] { animation("a: H1:1073741824 | 0 1").loop(2, false, true); }), "");
     some.fps = 40;
+    EXPECT_EQ(some.loop(2, false, false).fps, 40);
     const DefaultFps none(0);
     EXPECT_EQ(some.loop(1, false, false).fps, 40);
     EXPECT_EQ(refusal([&] { some.loop(2, false, false); }), "FPS should be strictly higher than 0");
@@ -98,7 +96,6 @@ TEST(EditTest, SplitsIntoMarkedPieces) {
         EXPECT_EQ(piece.fps, 40);
     }
     EXPECT_EQ(shown, "a:  | 0 0; a: H1:4 | 2 0; a: T10,20:4 | 0 1; a: H3:2 | 0 0; ");
-    EXPECT_EQ(it.splitAt({}, true, true).size(), 1U);
     EXPECT_EQ(it.splitAt(0, true, true), it.splitAt({0}, true, true));
     EXPECT_EQ(animation("a: W:4294967295").splitEach(2147483648, true, true).size(), 3U);
     EXPECT_EQ(refusal([&] { it.splitEach(0, true, true); }),

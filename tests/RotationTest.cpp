@@ -11,8 +11,7 @@ TEST(RotationTest, TravelsTwiceAroundTheRing) {
     const struct {
         unsigned int rise, fall, step, outro;
         const char* pulses;
-    } rows[] = {{2, 3, 1, 4, "T2,-1:2 T-1,2:3 H2:3 T2,-1:2 T-1,2:3"},
-                {4, 3, 1, 6, "T2,-1:4 T-1,2:3 H2:1 T2,-1:4 T-1,2:3"},
+    } rows[] = {{4, 3, 1, 6, "T2,-1:4 T-1,2:3 H2:1 T2,-1:4 T-1,2:3"},
                 {4, 4, 1, 7, "T2,-1:4 T-1,2:4 T2,-1:4 T-1,2:4"},
                 {5, 5, 1, 11, "T2,-1:5 T-1,2:5 T2,-1:5 T-1,2:5"},
                 {1, 3, 4, 0, "T2,-1:1 T-1,2:3 H2:28 T2,-1:1 T-1,2:3"},
@@ -26,8 +25,6 @@ TEST(RotationTest, TravelsTwiceAroundTheRing) {
         const Rotation some(-1, 2, rise, fall, step);
         EXPECT_EQ(show(some),
                   expected + " | " + std::to_string(8 * step) + " " + std::to_string(outro));
-        EXPECT_EQ(some.riseDuration, rise);
-        EXPECT_EQ(Rotation(some), some);
     }
 }
 

@@ -18,8 +18,8 @@ using LayerMap = std::map<std::string, KeyVector>;
 ///
 ///     a | A A A A | B B B B B B |     the duration is that of the longest layer: 10 frames
 ///     b | C C C C C C | ~ ~ ~ ~ |     ~ a Wait key that fills a shorter layer
-///       |intro|           |outro|     introSize 3 from the start, outroSize 3 from the end
-///       0     3           7     10    ranges are half-open: the outro is frames 7, 8 and 9
+///       | intro|         | outro|     introSize 3 from the start, outroSize 3 from the end
+///       0      3         7      10    ranges are half-open: the outro is frames 7, 8 and 9
 ///
 /// Frames are whole numbers, counted from 0; `fps` is in frames per second; values are floats.
 ///
@@ -99,7 +99,8 @@ public:
 
     /// @}
     /// \name Editing one layer
-    /// A layer that is missing is created where nothing else is said.
+    /// A layer that is missing is created where nothing else is said. `introSize`, `outroSize` and
+    /// `fps` stay as they are, wherever frames are inserted or removed.
     /// @{
 
     /// Appends one `Wait` key that makes the layer last `frames` frames.
@@ -176,7 +177,7 @@ public:
     ///     before  | A A A A | B B B B B B |            overrideLayerWith("led", X(3), 2)
     ///     after   | A A | X X X | B B B B B B |
     ///
-    /// A run that begins past the end begins there all the same, behind one `Wait` key.
+    /// A run that begins past the end begins there all the same, behind one more `Wait` key.
     /// Costs all keys of the animation, to find its duration, and those of `keys`.
     void overrideLayerWith(const std::string& name, const KeyVector& keys, unsigned int frame);
 
@@ -193,15 +194,17 @@ public:
     ///             M | ~ ~ ~ ~ | Y Y Y |
     ///
     /// `introSize` grows by the frames inserted if `frame` is less than it (0 included, equal not);
-    /// `outroSize` if `frame` is past the outro's first frame (the very end included, that frame
-    /// itself not). An `other` without keys changes nothing.
+    /// `outroSize` if `frame` is greater than `outroStartFrame()`: at the very end if there is an
+    /// outro, past the end even from 0, and not by the `Wait` keys that fill up to `frame`. An
+    /// `other` without keys changes nothing.
     /// `other` is filled and checked like a copy, and what that throws leaves this one unchanged.
     /// Costs all keys of both.
     void insert(Animation other, unsigned int frame);
 
     /// Appends `other`: first this animation without its outro unless `keepOutro`, then `other`
     /// without its intro unless `keepIntro`. An outro or intro that is kept becomes part of the
-    /// body; `introSize` stays this animation's, `outroSize` becomes that of `other`.
+    /// body; `introSize` stays this animation's (unless edits let it reach into an outro dropped,
+    /// or past the end), `outroSize` becomes that of `other`, even of one without keys.
     ///
     ///     this    | A A A A A | outro A A A |     other   | intro X | X X X X |
     ///     after   | A A A A A | X X X X |         pushBack(other, false, false)
@@ -249,7 +252,8 @@ public:
     ///     layer   | A A A A | B B B B B B |      introSize 3, outroSize 2
     ///     parts   | A A A   | A | B B B B | B B |
     ///
-    /// A layer shorter than the animation has less or nothing in the later parts. Entries under
+    /// A layer shorter than the animation has less or nothing in the later parts. If edits left an
+    /// intro that reaches past the outro's start, the body is empty. Entries under
     /// other names stay; if memory runs out, the keys appended so far stay too.
     /// Costs all keys.
     void introBodyOutroLayers(LayerMap& intro, LayerMap& body, LayerMap& outro) const;
@@ -262,7 +266,9 @@ public:
     ///     loop(2, yes, yes)  | intro | body | outro | intro | body | outro |
     ///     loop(0, ...)       | intro | outro |
     ///
-    /// The layers are filled as in any copy; sizes and `fps` stay. A count of 1 gives a copy.
+    /// The layers are filled as in any copy; sizes and `fps` stay. A count of 1 gives a copy. With
+    /// more, keys across the intro's end are cut there, and keys across the outro's start wherever
+    /// the body repeats, but not before the last outro; nothing is cut if nothing repeats.
     /// Throws std::invalid_argument where the copy constructor does, if `defaultFps` is 0 or less
     /// with a `count` above 1 and any layer, and if the result would last 2^31 frames or more.
     /// Costs the keys of this animation and of the result.
@@ -299,7 +305,8 @@ public:
     ///     pieces  |   | A A A A | B B B B | B B |
     ///
     /// The first piece is therefore always empty, and the last one too if `step` divides the
-    /// duration. Throws std::invalid_argument if `step` or `fps` is 0, or `fps` less.
+    /// duration. Throws std::invalid_argument if `step` is 0 or `fps` is 0 or less.
+    /// Costs all keys and a layer entry for each layer of each piece: duration / `step` + 2 pieces.
     std::vector<Animation> splitEach(unsigned int step, bool keepIntro, bool keepOutro) const;
 
     /// @}

@@ -28,10 +28,12 @@ public:
     ///     Transition (0, 100) over 10    splitAt(3)
     ///     Transition (0, 30) over 3, Transition (30, 100) over 7
     ///
-    /// The pieces of a `Transition` meet in the value that it has at the cut; those of all other
-    /// effects carry the same command. At frame 0, and at the end or past it, there is nothing to
-    /// cut: the result is one copy of the key. A `Transition` whose arguments are not two (someone
-    /// set `effect` or `args` afterwards) is cut as if it did not move.
+    /// The pieces of a `Transition` meet in the value that it has at the cut, frame x (end - start)
+    /// / duration + start in single precision: frames above 2^24 are rounded, and a product beyond
+    /// the floats' range is infinite. Those of all other effects carry the same command. At frame
+    /// 0, and at the end or past it, there is nothing to cut: the result is one copy of the key. A
+    /// `Transition` whose arguments are not two (someone set `effect` or `args` afterwards) is cut
+    /// as if it did not move.
     KeyVector splitAt(unsigned int frame) const;
 
     /// The key cut into pieces of `step` frames and one last piece of what remains, 1 to `step`
@@ -42,7 +44,8 @@ public:
     ///
     /// Each piece of a `Transition` starts from its own index, so rounding errors do not add up;
     /// the last one starts where the piece before it ends, and ends exactly where the key does.
-    /// The values may differ from those of `splitAt` in the last bit.
+    /// The values may differ from those of `splitAt` by a few roundings, which is more than the
+    /// last bit where they are near 0. A `Transition` without two arguments does not move.
     /// Throws std::invalid_argument if `step` is 0. Costs the pieces.
     KeyVector splitEach(unsigned int step) const;
 

@@ -6,7 +6,6 @@ shift 3
 PKG_CONFIG_PATH=$(dirname "$(find "$stage" -name animationmodel.pc)")
 export PKG_CONFIG_PATH
 mkdir -p "$folder"
-# shellcheck disable=SC2046 # words on purpose
-"$compiler" -std=c++20 "$(dirname "$0")/main.cpp" -o "$folder/consumer" \
-    $(pkg-config "$@" --cflags --libs animationmodel)
-LD_LIBRARY_PATH=$(pkg-config --variable=libdir animationmodel) "$folder/consumer"
+eval "set -- $(pkg-config "$@" --cflags --libs animationmodel)" # it escapes blanks in paths
+"$compiler" -std=c++20 "$(dirname "$0")/main.cpp" -o "$folder/consumer" "$@"
+LD_LIBRARY_PATH=$(dirname "$PKG_CONFIG_PATH") "$folder/consumer"
