@@ -12,9 +12,6 @@ namespace Kiv {
 
 namespace {
 
-/// An animation that lasts as many frames or more is refused where layers are checked.
-constexpr std::uint64_t tooLong = std::uint64_t{1} << 31;
-
 struct Lengths {
     unsigned int shortest, longest;
     bool equal() const { return shortest == longest; }

@@ -20,7 +20,6 @@ Rotation::~Rotation() = default;
 
 void Rotation::_init() {
     constexpr unsigned int outputs = 8;
-    constexpr std::uint64_t tooLong = std::uint64_t{1} << 31;
     const std::uint64_t revolution = std::uint64_t{outputs} * stepDuration;
     const std::uint64_t pulse = std::uint64_t{riseDuration} + fallDuration;
     const std::uint64_t period = std::max(revolution, pulse);

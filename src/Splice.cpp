@@ -1,7 +1,6 @@
 #include "Splice.h"
 
 #include <algorithm>
-#include <functional>
 
 namespace Kiv {
 
