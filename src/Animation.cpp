@@ -12,33 +12,32 @@ namespace Kiv {
 
 namespace {
 
+/// Frames of the shortest and of the longest layer; 0 without layers.
 struct Lengths {
     unsigned int shortest, longest;
     bool equal() const { return shortest == longest; }
 };
 
-void check_frame_rate(float fps) {
-    if (fps <= 0) // a NaN passes
-        refuse("FPS should be strictly higher than 0");
-}
-
-/// Frames of the shortest and of the longest layer; 0 without layers.
 Lengths checked_lengths(const LayerMap& layers) {
-    std::uint64_t shortest = layers.empty() ? 0 : tooLong;
+    std::uint64_t shortest = layers.empty() ? 0 : maxFrame;
     std::uint64_t longest = 0;
     for (const auto& [name, keys] : layers) {
         const std::uint64_t total = total_of(keys);
-        if (total >= tooLong)
-            refuse("Layer (", name, ") lasts ", total, " frames but should last less than ",
-                   tooLong);
+        check_length(total, "Layer (", name, ") lasts ");
         shortest = std::min(shortest, total);
         longest = std::max(longest, total);
     }
     return {static_cast<unsigned int>(shortest), static_cast<unsigned int>(longest)};
 }
 
+void check_frame_rate(float fps) {
+    if (fps <= 0) // a NaN passes
+        refuse("FPS should be strictly higher than 0");
+}
+
 /// Makes all checks that an animation of these parts has to pass once its layers are filled.
-Lengths check(const LayerMap& layers, unsigned int introSize, unsigned int outroSize, float fps) {
+Lengths check_parts(const LayerMap& layers, unsigned int introSize, unsigned int outroSize,
+                    float fps) {
     check_frame_rate(fps);
     const Lengths lengths = checked_lengths(layers);
     const unsigned int duration = lengths.longest;
@@ -60,171 +59,10 @@ KeyVector& layer_in(LayerMap& layers, const std::string& name) {
 LayerMap copy_filled(const LayerMap& layers, Lengths lengths) {
     if (lengths.equal())
         return layers;
-    LayerMap filled;
+    LayerMap copy;
     for (const auto& [name, keys] : layers)
-        LayerCursor(keys, lengths.longest).walkTo(lastFrame).appendTo(layer_in(filled, name));
-    return filled;
-}
-
-void fill(KeyVector& layer, unsigned int frames) {
-    const unsigned int total = Animation::durationInFramesOf(layer);
-    if (total < frames)
-        layer.emplace_back(Wait, frames - total);
-}
-
-/// Checks `animation` and fills its layers, as copying it would; returns its duration.
-unsigned int fill_and_check(Animation& animation) {
-    const Lengths lengths =
-        check(animation.layers, animation.introSize, animation.outroSize, animation.fps);
-    if (!lengths.equal())
-        for (auto& [name, keys] : animation.layers)
-            fill(keys, lengths.longest);
-    return lengths.longest;
-}
-
-/// Applies `edit`, which either succeeds or changes nothing, to the layer of that name. A missing
-/// layer is created, with what `edit` makes of an empty one.
-template <class Edit>
-void edit_layer(LayerMap& layers, const std::string& name, const Edit& edit) {
-    if (const auto found = layers.find(name); found != layers.end()) {
-        edit(found->second);
-        return;
-    }
-    KeyVector created;
-    edit(created);
-    layers.emplace(name, std::move(created));
-}
-
-/// Puts the layers of `edited` in the place of those with their names, and the others beside them.
-void adopt(LayerMap& layers, LayerMap& edited) noexcept {
-    for (auto& [name, keys] : edited)
-        if (const auto found = layers.find(name); found != layers.end())
-            found->second.swap(keys);
-    layers.merge(edited);
-}
-
-void insert_keys(LayerMap& layers, const std::string& name, Keys keys, unsigned int frame) {
-    if (!keys.empty())
-        edit_layer(layers, name, [&](KeyVector& layer) {
-            LayerCursor cursor(layer);
-            insertion(cursor, layer, keys, frame).commit();
-        });
-}
-
-/// The outro's first frame in `animation`, which has `duration` frames.
-unsigned int outro_start(const Animation& animation, unsigned int duration) {
-    return duration - std::min(animation.outroSize, duration);
-}
-
-/// Inserts the layers of `other`, which all last `length` frames, into `layers` at `frame`; what
-/// stands there goes if `dropRest`. Returns the frames of the longest of `layers` before.
-unsigned int insert_layers(LayerMap& layers, LayerMap& other, unsigned int length,
-                           unsigned int frame, bool dropRest) {
-    const AnimationKey silence(Wait, std::max(length, 1U));
-    unsigned int duration = 0;
-    std::vector<Splice> edits;
-    edits.reserve(layers.size());
-    for (auto& [name, layer] : layers) {
-        const auto found = other.find(name);
-        const Keys keys =
-            found != other.end() ? Keys(found->second) : Keys(&silence, length > 0 ? 1 : 0);
-        LayerCursor cursor(layer);
-        edits.push_back(insertion(cursor, layer, keys, frame, dropRest));
-        duration = std::max(duration, cursor.end());
-    }
-    for (auto& [name, keys] : other)
-        if (frame > 0 && !layers.contains(name))
-            keys.insert(keys.begin(), AnimationKey(Wait, frame));
-
-    for (Splice& edit : edits)
-        edit.commit();
-    if (length > 0)
-        layers.merge(other);
-    return duration;
-}
-
-/// Keeps the sizes in step with `count` frames inserted at `frame` into an animation of `duration`
-/// frames.
-void widen_sizes(Animation& animation, unsigned int duration, unsigned int frame,
-                 unsigned int count) {
-    if (animation.introSize > frame)
-        animation.introSize += count;
-    if (outro_start(animation, duration) < frame)
-        animation.outroSize += count;
-}
-
-/// Keeps the sizes in step with `count` frames removed from `start` on, from an
-/// animation of `duration` frames.
-void shrink_sizes(Animation& animation, unsigned int duration, unsigned int start,
-                  unsigned int count) {
-    const unsigned int end = end_of_range(start, count);
-    const unsigned int removed = std::min(count, duration - start);
-    const unsigned int outroStart = outro_start(animation, duration);
-    if (animation.introSize > start)
-        animation.introSize = end <= animation.introSize ? animation.introSize - count : start;
-    if (outroStart <= start)
-        animation.outroSize -= removed;
-    else if (outroStart < end)
-        animation.outroSize = duration - (start + removed);
-}
-
-bool is_wait(const AnimationKey& key) {
-    return key.command.effect == Wait;
-}
-
-/// Appends to `out` what `layer`, filled up to `duration` frames or the total of `keys`, becomes
-/// with `keys` laid over it from `position` on. Returns the frames of the result.
-unsigned int override_into(KeyVector& out, const KeyVector& layer, unsigned int duration,
-                           const KeyVector& keys, unsigned int position) {
-    LayerCursor cursor(layer, std::max(duration, Animation::durationInFramesOf(keys)));
-    out.reserve(layer.size() + keys.size() + 2);
-    for (auto key = keys.begin(); key != keys.end();) {
-        if (is_wait(*key)) {
-            position += key++->duration;
-            continue;
-        }
-        const auto runEnd = std::find_if(key, keys.end(), is_wait);
-        cursor.take(position).appendTo(out);
-        if (cursor.frame < position)
-            out.emplace_back(Wait, position - cursor.frame);
-        out.insert(out.end(), key, runEnd);
-        position += static_cast<unsigned int>(total_of({key, runEnd}));
-        cursor.walkTo(position);
-        cursor.restBeginsAt(position);
-        key = runEnd;
-    }
-    cursor.walkTo(lastFrame).appendTo(out);
-    return cursor.frame;
-}
-
-/// Cuts all layers of `animation` at each of `frames`, which ascend. Each flag is spent by the
-/// first layer that reaches the boundary.
-std::vector<Animation> split(const Animation& animation, const std::vector<unsigned int>& frames,
-                             bool keepIntro, bool keepOutro) {
-    std::vector<Animation> pieces(frames.size() + 1, Animation(animation.fps));
-    if (animation.empty())
-        return pieces;
-    const unsigned int outroStart = keepOutro ? animation.outroStartFrame() : 0;
-    for (const auto& [name, keys] : animation.layers) {
-        LayerCursor cursor(keys);
-        auto piece = pieces.begin();
-        for (const unsigned int frame : frames) {
-            cursor.take(frame).appendTo(layer_in(piece->layers, name));
-            if (keepIntro && cursor.frame >= animation.introSize) {
-                const unsigned int duration = piece->durationInFrames();
-                const unsigned int before = cursor.frame - duration;
-                piece->introSize = std::min(duration, animation.introSize - before);
-                keepIntro = false;
-            }
-            if (keepOutro && cursor.frame >= outroStart) {
-                piece->outroSize = std::min(piece->durationInFrames(), cursor.frame - outroStart);
-                keepOutro = false;
-            }
-            ++piece;
-        }
-        cursor.rest().appendTo(layer_in(piece->layers, name));
-    }
-    return pieces;
+        filled(keys, total_of(keys), lengths.longest).appendTo(layer_in(copy, name));
+    return copy;
 }
 
 } // namespace
@@ -240,12 +78,12 @@ Animation::Animation(float fps) : introSize(0), outroSize(0), fps(fps) {
 Animation::Animation(const LayerMap& layers) : Animation(layers, 0, 0) {}
 
 Animation::Animation(const LayerMap& layers, unsigned int introSize, unsigned int outroSize)
-    : layers(copy_filled(layers, check(layers, introSize, outroSize, defaultFps))),
+    : layers(copy_filled(layers, check_parts(layers, introSize, outroSize, defaultFps))),
       introSize(introSize), outroSize(outroSize), fps(defaultFps) {}
 
 Animation::Animation(const Animation& other)
     : layers(copy_filled(other.layers,
-                         check(other.layers, other.introSize, other.outroSize, other.fps))),
+                         check_parts(other.layers, other.introSize, other.outroSize, other.fps))),
       introSize(other.introSize), outroSize(other.outroSize), fps(other.fps) {}
 
 Animation::Animation(Animation&& other) noexcept
@@ -269,10 +107,6 @@ Animation& Animation::operator=(Animation&& other) noexcept {
 
 Animation::~Animation() = default;
 
-void Animation::_checkAttr() {
-    check(layers, introSize, outroSize, fps);
-}
-
 KeyVector Animation::layer(const std::string& name) const {
     const auto found = layers.find(name);
     if (found == layers.end())
@@ -285,14 +119,8 @@ bool Animation::hasLayer(const std::string& name) const {
 }
 
 bool Animation::empty() const {
-    return std::ranges::all_of(layers, [](const auto& named) { return named.second.empty(); });
-}
-
-void Animation::reset() {
-    layers.clear();
-    introSize = 0;
-    outroSize = 0;
-    fps = defaultFps;
+    return std::all_of(layers.begin(), layers.end(),
+                       [](const auto& named) { return named.second.empty(); });
 }
 
 unsigned int Animation::durationInFrames() const {
@@ -311,18 +139,332 @@ unsigned int Animation::durationInFramesOf(const KeyVector& layer) {
 }
 
 unsigned int Animation::outroStartFrame() const {
-    return outro_start(*this, durationInFrames());
+    const unsigned int duration = durationInFrames();
+    return duration - std::min(outroSize, duration);
 }
 
+namespace {
+
+float seconds(unsigned int frames, float fps) {
+    return std::fabs(static_cast<float>(frames) / fps);
+}
+
+} // namespace
+
 float Animation::durationInSeconds() const {
-    return std::fabs(static_cast<float>(durationInFrames()) / fps);
+    return seconds(durationInFrames(), fps);
 }
 
 float Animation::simulatedDurationInSeconds(float fps) const {
     if (fps <= 0) // a NaN passes
         refuse("Simulated FPS given as argument should be different from 0 to calculate duration "
                "in seconds");
-    return std::fabs(static_cast<float>(durationInFrames()) / fps);
+    return seconds(durationInFrames(), fps);
+}
+
+namespace {
+
+/// Applies `edit`, which either succeeds or changes nothing, to the layer of that name. A missing
+/// layer is created, with what `edit` makes of an empty one.
+template <class Edit>
+void edit_layer(LayerMap& layers, const std::string& name, const Edit& edit) {
+    if (const auto found = layers.find(name); found != layers.end()) {
+        edit(found->second);
+        return;
+    }
+    KeyVector created;
+    edit(created);
+    layers.emplace(name, std::move(created));
+}
+
+void fill(KeyVector& layer, unsigned int frames) {
+    const unsigned int total = Animation::durationInFramesOf(layer);
+    if (total < frames)
+        layer.emplace_back(Wait, frames - total);
+}
+
+} // namespace
+
+void Animation::fillInLayer(const std::string& name, unsigned int frames) {
+    edit_layer(layers, name, [&](KeyVector& layer) { fill(layer, frames); });
+}
+
+namespace {
+
+void insert_keys(LayerMap& layers, const std::string& name, Keys keys, unsigned int frame) {
+    if (!keys.empty())
+        edit_layer(layers, name, [&](KeyVector& layer) {
+            replacement(layer, LayerCursor(layer), frame, 0, keys).commit();
+        });
+}
+
+} // namespace
+
+void Animation::insertInLayer(const std::string& name, const KeyVector& keys, unsigned int frame) {
+    insert_keys(layers, name, keys, frame);
+}
+
+void Animation::insertInLayer(const std::string& name, const AnimationKey& key,
+                              unsigned int frame) {
+    insert_keys(layers, name, {&key, 1}, frame);
+}
+
+void Animation::insertInLayer(const std::string& name, AnimationKeyCommandEffect effect,
+                              const std::vector<float>& args, unsigned int duration,
+                              unsigned int frame) {
+    insertInLayer(name, AnimationKey(AnimationKeyCommand(effect, args), duration), frame);
+}
+
+void Animation::pushBackInLayer(const std::string& name, const KeyVector& keys) {
+    edit_layer(layers, name, [&](KeyVector& layer) {
+        Splice(layer, layer.size(), {{}, keys, {}}, LayerCursor(Keys())).commit();
+    });
+}
+
+void Animation::pushBackInLayer(const std::string& name, const AnimationKey& key) {
+    edit_layer(layers, name, [&](KeyVector& layer) { layer.push_back(key); });
+}
+
+void Animation::pushBackInLayer(const std::string& name, AnimationKeyCommandEffect effect,
+                                const std::vector<float>& args, unsigned int duration) {
+    pushBackInLayer(name, AnimationKey(AnimationKeyCommand(effect, args), duration));
+}
+
+void Animation::removeInLayer(const std::string& name, unsigned int start, unsigned int count) {
+    edit_layer(layers, name, [&](KeyVector& layer) {
+        replacement(layer, LayerCursor(layer), start, count, {}).commit();
+    });
+}
+
+namespace {
+
+bool is_wait(const AnimationKey& key) {
+    return key.command.effect == Wait;
+}
+
+struct Built {
+    KeyVector keys;
+    unsigned int total; ///< Their frames.
+};
+
+/// What `layer`, which lasts `total` frames, becomes with `keys` laid over it from `position` on in
+/// an animation of `duration` frames.
+Built overridden(Keys layer, unsigned int total, unsigned int duration, Keys keys,
+                 unsigned int position) {
+    const unsigned int least = std::max(duration, static_cast<unsigned int>(total_of(keys)));
+    LayerCursor cursor(filled(layer, total, least));
+    total = std::max(total, least);
+    KeyVector result;
+    result.reserve(layer.size() + keys.size() + 2);
+    for (auto key = keys.begin(); key != keys.end();) {
+        if (is_wait(*key)) {
+            position += key++->duration;
+            continue;
+        }
+        const auto runEnd = std::find_if(key, keys.end(), is_wait);
+        cursor.takeFrames(position).appendTo(result);
+        if (cursor.frame < position)
+            result.emplace_back(Wait, position - cursor.frame);
+        result.insert(result.end(), key, runEnd);
+        position += static_cast<unsigned int>(total_of({key, runEnd}));
+        cursor.takeKeys(position);
+        total += position - cursor.frame;
+        cursor.frame = position; // the key that the run ends inside follows it whole
+        key = runEnd;
+    }
+    cursor.rest.appendTo(result);
+    return {std::move(result), total};
+}
+
+} // namespace
+
+void Animation::overrideLayerWith(const std::string& name, const KeyVector& keys,
+                                  unsigned int frame) {
+    unsigned int total = 0, duration = 0;
+    for (const auto& [other, layer] : layers) {
+        const unsigned int length = durationInFramesOf(layer);
+        duration = std::max(duration, length);
+        if (other == name)
+            total = length;
+    }
+    edit_layer(layers, name, [&](KeyVector& layer) {
+        layer = overridden(layer, total, duration, keys, frame).keys;
+    });
+}
+
+namespace {
+
+/// Checks `animation` and fills its layers, as copying it would; returns its duration.
+unsigned int fill_and_check(Animation& animation) {
+    const Lengths lengths =
+        check_parts(animation.layers, animation.introSize, animation.outroSize, animation.fps);
+    if (!lengths.equal())
+        for (auto& [name, keys] : animation.layers)
+            fill(keys, lengths.longest);
+    return lengths.longest;
+}
+
+/// Finds layers by name, each name behind the one before: one walk along the map for all of them.
+class AscendingSearch {
+public:
+    explicit AscendingSearch(LayerMap& map) : map(map), place(map.begin()) {}
+
+    /// The layer, or null. Calls `skip` with the place of each layer passed that was not looked
+    /// for.
+    template <class Skip>
+    KeyVector* find(const std::string& name, const Skip& skip) {
+        for (int order = -1; place != map.end() && order < 0;) {
+            order = place->first.compare(name);
+            if (order == 0)
+                return &(place++)->second;
+            if (order < 0)
+                skip(place++);
+        }
+        return nullptr;
+    }
+
+    /// Passes all layers that are left.
+    template <class Skip>
+    void finish(const Skip& skip) {
+        while (place != map.end())
+            skip(place++);
+    }
+
+private:
+    LayerMap& map;
+    LayerMap::iterator place;
+};
+
+/// Edits of the layers of one animation that are prepared one by one and then made all together.
+struct Edits {
+    std::vector<Splice> splices;
+    LayerMap added;            ///< Layers under names that the animation lacks.
+    unsigned int duration = 0; ///< Frames of the longest layer before an insertion or a removal.
+
+    explicit Edits(std::size_t most) { splices.reserve(most); }
+
+    void commit(LayerMap& layers) noexcept {
+        for (Splice& splice : splices)
+            splice.commit();
+        auto place = layers.begin();
+        while (!added.empty()) {
+            auto node = added.extract(added.begin());
+            while (place != layers.end() && place->first < node.key())
+                ++place;
+            layers.insert(place, std::move(node));
+        }
+    }
+};
+
+/// Prepares to put `other`, whose layers all last `length` frames, in the place of the frames
+/// [start, start + count) of every layer. Where it lacks a layer, a `Wait` key stands in.
+Edits replacement_in_all(LayerMap& layers, unsigned int start, unsigned int count, LayerMap& other,
+                         unsigned int length) {
+    Edits edits(layers.size());
+    const AnimationKey gap(Wait, std::max(length, 1U));
+    const Keys missing(&gap, length > 0 ? 1 : 0);
+    const auto add = [&](LayerMap::iterator named) {
+        if (length == 0)
+            return;
+        if (start > 0)
+            named->second.insert(named->second.begin(), AnimationKey(Wait, start));
+        edits.added.insert(edits.added.end(), other.extract(named));
+    };
+    AscendingSearch theirs(other);
+    for (auto& [name, layer] : layers) {
+        const KeyVector* found = theirs.find(name, add);
+        edits.splices.push_back(replacement(layer, LayerCursor(layer), start, count,
+                                            found != nullptr ? Keys(*found) : missing));
+        edits.duration = std::max(edits.duration, edits.splices.back().lengthBefore());
+    }
+    theirs.finish(add);
+    return edits;
+}
+
+/// The outro's first frame for edits, in an animation of `duration` frames: an outro longer than
+/// that begins past every frame.
+unsigned int outro_begin(const Animation& animation, unsigned int duration) {
+    return animation.outroSize <= duration ? duration - animation.outroSize : maxFrame;
+}
+
+/// Takes off the sizes what is theirs of the frames [start, start + count), in an animation of
+/// `duration` frames.
+void shrink_sizes(Animation& animation, unsigned int duration, unsigned int start,
+                  unsigned int count) {
+    const unsigned int outroBegin = outro_begin(animation, duration);
+    const unsigned int end = end_of_range(start, count);
+    animation.introSize -=
+        std::min(animation.introSize, end) - std::min(animation.introSize, start);
+    animation.outroSize -=
+        std::max(outroBegin, std::min(duration, end)) - std::max(outroBegin, start);
+}
+
+/// Widens the sizes by `count` frames inserted at `frame` into an animation of `duration` frames.
+void widen_sizes(Animation& animation, unsigned int duration, unsigned int frame,
+                 unsigned int count) {
+    const bool inOutro = outro_begin(animation, duration) < frame;
+    animation.introSize += frame < animation.introSize ? count : 0;
+    animation.outroSize += inOutro ? count : 0;
+}
+
+} // namespace
+
+void Animation::insert(Animation other, unsigned int frame) {
+    const unsigned int length = fill_and_check(other);
+    if (length == 0)
+        return;
+    Edits edits = replacement_in_all(layers, frame, 0, other.layers, length);
+    widen_sizes(*this, edits.duration, frame, length);
+    edits.commit(layers);
+}
+
+void Animation::pushBack(Animation other, bool keepOutro, bool keepIntro) {
+    if (!keepIntro)
+        other.remove(0, other.introSize);
+    const unsigned int length = fill_and_check(other);
+    const unsigned int duration = durationInFrames();
+    const unsigned int end =
+        keepOutro ? duration : std::min(duration, outro_begin(*this, duration));
+    replacement_in_all(layers, end, duration - end, other.layers, length).commit(layers);
+    shrink_sizes(*this, duration, end, duration - end);
+    widen_sizes(*this, end, end, length);
+    outroSize = other.outroSize;
+}
+
+void Animation::remove(unsigned int start, unsigned int count) {
+    if (count == 0)
+        return;
+    LayerMap none;
+    Edits edits = replacement_in_all(layers, start, count, none, 0);
+    if (edits.duration <= start)
+        return;
+    edits.commit(layers);
+    shrink_sizes(*this, edits.duration, start, count);
+}
+
+void Animation::overrideLayersWith(const Animation& other, unsigned int frame) {
+    std::vector<unsigned int> totals;
+    totals.reserve(layers.size());
+    for (const auto& [name, keys] : layers)
+        totals.push_back(durationInFramesOf(keys));
+    auto total = totals.begin();
+    unsigned int duration = 0;
+    for (const unsigned int length : totals)
+        duration = std::max(duration, length);
+
+    Edits edits(other.layers.size());
+    AscendingSearch ours(layers);
+    for (const auto& [name, keys] : other.layers) {
+        KeyVector* layer = ours.find(name, [&](auto /*passed*/) { ++total; });
+        Built result = layer != nullptr ? overridden(*layer, *total++, duration, keys, frame)
+                                        : overridden({}, 0, duration, keys, frame);
+        duration = std::max(duration, result.total);
+        if (layer != nullptr)
+            edits.splices.emplace_back(*layer, std::move(result.keys));
+        else
+            layer_in(edits.added, name) = std::move(result.keys);
+    }
+    edits.commit(layers);
 }
 
 void Animation::setFPSToFitDurationInSeconds(float seconds) {
@@ -332,10 +474,158 @@ void Animation::setFPSToFitDurationInSeconds(float seconds) {
     fps = static_cast<float>(durationInFrames()) / seconds;
 }
 
+void Animation::reset() {
+    layers.clear();
+    introSize = 0;
+    outroSize = 0;
+    fps = defaultFps;
+}
+
+void Animation::introBodyOutroLayers(LayerMap& intro, LayerMap& body, LayerMap& outro) const {
+    const unsigned int outroStart = outroStartFrame();
+    const bool aliased = &intro == &layers || &body == &layers || &outro == &layers;
+    const LayerMap copy = aliased ? layers : LayerMap();
+    for (const auto& [name, keys] : aliased ? copy : layers) {
+        LayerCursor cursor(keys);
+        cursor.takeFrames(introSize).appendTo(layer_in(intro, name));
+        cursor.takeFrames(outroStart).appendTo(layer_in(body, name));
+        cursor.rest.appendTo(layer_in(outro, name));
+    }
+}
+
+namespace {
+
+/// How one layer after another is looped.
+struct Looping {
+    unsigned int introSize, outroStart, repeats; ///< The body plays once more than `repeats`.
+    bool repeatIntro, repeatOutro;
+    KeyVector repeated; ///< What comes back, of the last layer.
+
+    void append(KeyVector& out, const Stretch& layer) {
+        LayerCursor cursor(layer);
+        const Stretch intro = cursor.takeFrames(introSize);
+        const Stretch rest = cursor.rest;
+        repeated.clear();
+        cursor.takeFrames(outroStart).appendTo(repeated);
+        if (repeatOutro)
+            cursor.rest.appendTo(repeated);
+        if (repeatIntro)
+            intro.appendTo(repeated);
+
+        out.reserve(intro.size() + repeats * repeated.size() + rest.size());
+        intro.appendTo(out);
+        for (unsigned int i = 0; i < repeats; ++i)
+            out.insert(out.end(), repeated.begin(), repeated.end());
+        rest.appendTo(out);
+    }
+};
+
+} // namespace
+
+Animation Animation::loop(unsigned int count, bool repeatIntro, bool repeatOutro) const {
+    const unsigned int duration = check_parts(layers, introSize, outroSize, fps).longest;
+    const unsigned int outroStart = duration - outroSize;
+    if (count == 0) {
+        Animation result(*this);
+        result.remove(introSize, outroStart - introSize);
+        return result;
+    }
+    if (count > 1 && !layers.empty())
+        check_frame_rate(defaultFps);
+    const unsigned int once =
+        outroStart - introSize + (repeatIntro ? introSize : 0) + (repeatOutro ? outroSize : 0);
+    const unsigned int repeats = once == 0 ? 0 : count - 1;
+    if (repeats == 0)
+        return *this;
+    check_length(duration + std::uint64_t{repeats} * once, "Animation looped ", count,
+                 " times would last ");
+
+    Animation result(fps);
+    result.introSize = introSize;
+    result.outroSize = outroSize;
+    Looping looping{introSize, outroStart, repeats, repeatIntro, repeatOutro, {}};
+    for (const auto& [name, keys] : layers)
+        looping.append(layer_in(result.layers, name), filled(keys, total_of(keys), duration));
+    return result;
+}
+
+namespace {
+
+/// Marks pieces with what they hold of the intro and of the outro. Each mark is spent by the first
+/// layer that reaches the boundary.
+struct Marks {
+    unsigned int introSize, outroStart;
+    bool intro, outro; ///< Not spent.
+
+    /// The layer that is being cut is at `frame`, where `piece` ends.
+    void put(Animation& piece, unsigned int frame) {
+        if (intro && frame >= introSize) {
+            const unsigned int duration = piece.durationInFrames();
+            piece.introSize = std::min(duration, duration - frame + introSize);
+            intro = false;
+        }
+        if (outro && frame >= outroStart) {
+            piece.outroSize = std::min(piece.durationInFrames(), frame - outroStart);
+            outro = false;
+        }
+    }
+};
+
+/// Cuts all layers of `animation` at each of `frames`, which ascend.
+std::vector<Animation> split(const Animation& animation, const std::vector<unsigned int>& frames,
+                             bool keepIntro, bool keepOutro) {
+    std::vector<Animation> pieces(frames.size() + 1, Animation(animation.fps));
+    if (animation.empty())
+        return pieces;
+    Marks marks{animation.introSize,
+                keepOutro ? outro_begin(animation, animation.durationInFrames()) : 0, keepIntro,
+                keepOutro};
+    for (const auto& [name, keys] : animation.layers) {
+        LayerCursor cursor(keys);
+        auto piece = pieces.begin();
+        for (const unsigned int frame : frames) {
+            cursor.takeFrames(frame).appendTo(layer_in(piece->layers, name));
+            marks.put(*piece++, cursor.frame);
+        }
+        cursor.rest.appendTo(layer_in(piece->layers, name));
+    }
+    return pieces;
+}
+
+} // namespace
+
+std::vector<Animation> Animation::splitAt(unsigned int frame, bool keepIntro,
+                                          bool keepOutro) const {
+    return split(*this, {frame}, keepIntro, keepOutro);
+}
+
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is settled.
+std::vector<Animation> Animation::splitAt(std::set<unsigned int> frames, bool keepIntro,
+                                          bool keepOutro) const {
+    return split(*this, {frames.begin(), frames.end()}, keepIntro, keepOutro);
+}
+
+std::vector<Animation> Animation::splitEach(unsigned int step, bool keepIntro,
+                                            bool keepOutro) const {
+    if (step == 0)
+        refuse("Could not split Animation each 0 frame: This number should be strictly higher than "
+               "0");
+    const unsigned int duration = durationInFrames();
+    std::vector<unsigned int> frames;
+    frames.reserve(duration / step + std::size_t{1});
+    for (std::uint64_t frame = 0; frame <= duration; frame += step)
+        frames.push_back(static_cast<unsigned int>(frame));
+    return split(*this, frames, keepIntro, keepOutro);
+}
+
+void Animation::_checkAttr() {
+    check_parts(layers, introSize, outroSize, fps);
+}
+
 void Animation::_iterateOnLayer(unsigned int& frame, KeyVector::iterator& it, unsigned int target,
                                 const KeyVector& layer, bool toEnd, KeyVector* out) {
-    LayerCursor cursor(frame, {KeyVector::const_iterator(it), layer.end()});
-    const KeyRow passed = cursor.walkTo(toEnd ? lastFrame : target);
+    LayerCursor cursor({KeyVector::const_iterator(it), layer.end()}, frame);
+    const Stretch passed = cursor.takeKeys(toEnd ? maxFrame : target);
     if (out != nullptr)
         passed.appendTo(*out);
     frame = cursor.frame;
@@ -366,209 +656,14 @@ void Animation::_removeKeysOnTheWay(unsigned int& frame, KeyVector::iterator& it
 
 void Animation::_removeKeys(unsigned int& frame, KeyVector::iterator& it, KeyVector& layer,
                             unsigned int start, unsigned int count) {
-    const auto from = static_cast<std::size_t>(it - layer.begin());
-    LayerCursor cursor(frame, Keys(layer).subspan(from));
-    Splice removed = removal(cursor, layer, start, count);
+    unsigned int passed = frame;
+    auto behind = it;
+    _goToFrame(passed, behind, end_of_range(start, count), layer);
+    const auto left = layer.end() - behind;
+    Splice removed = replacement(layer, LayerCursor({it, layer.end()}, frame), start, count, {});
     removed.commit();
-    it = removed.behindFront();
-    frame = cursor.frame;
-}
-
-void Animation::fillInLayer(const std::string& name, unsigned int frames) {
-    edit_layer(layers, name, [&](KeyVector& layer) { fill(layer, frames); });
-}
-
-void Animation::insertInLayer(const std::string& name, const KeyVector& keys, unsigned int frame) {
-    insert_keys(layers, name, keys, frame);
-}
-
-void Animation::insertInLayer(const std::string& name, const AnimationKey& key,
-                              unsigned int frame) {
-    const AnimationKey copy = key; // the key may stand in the layer
-    insert_keys(layers, name, {&copy, 1}, frame);
-}
-
-void Animation::insertInLayer(const std::string& name, AnimationKeyCommandEffect effect,
-                              const std::vector<float>& args, unsigned int duration,
-                              unsigned int frame) {
-    insertInLayer(name, AnimationKey(AnimationKeyCommand(effect, args), duration), frame);
-}
-
-void Animation::pushBackInLayer(const std::string& name, const KeyVector& keys) {
-    edit_layer(layers, name, [&](KeyVector& layer) {
-        Splice(layer, layer.size(), layer.size(), {{}, keys, {}}).commit();
-    });
-}
-
-void Animation::pushBackInLayer(const std::string& name, const AnimationKey& key) {
-    edit_layer(layers, name, [&](KeyVector& layer) { layer.push_back(key); });
-}
-
-void Animation::pushBackInLayer(const std::string& name, AnimationKeyCommandEffect effect,
-                                const std::vector<float>& args, unsigned int duration) {
-    pushBackInLayer(name, AnimationKey(AnimationKeyCommand(effect, args), duration));
-}
-
-void Animation::removeInLayer(const std::string& name, unsigned int start, unsigned int count) {
-    edit_layer(layers, name, [&](KeyVector& layer) {
-        LayerCursor cursor(layer);
-        removal(cursor, layer, start, count).commit();
-    });
-}
-
-void Animation::overrideLayerWith(const std::string& name, const KeyVector& keys,
-                                  unsigned int frame) {
-    unsigned int duration = 0; // of the other layers; its own is found on the way
-    for (const auto& [other, layer] : layers)
-        if (other != name)
-            duration = std::max(duration, durationInFramesOf(layer));
-    edit_layer(layers, name, [&](KeyVector& layer) {
-        if (keys.empty())
-            return fill(layer, duration);
-        KeyVector result;
-        override_into(result, layer, duration, keys, frame);
-        layer.swap(result);
-    });
-}
-
-void Animation::insert(Animation other, unsigned int frame) {
-    const unsigned int length = fill_and_check(other);
-    if (length == 0)
-        return;
-    const unsigned int duration =
-        insert_layers(layers, other.layers, length, frame, /*dropRest=*/false);
-    widen_sizes(*this, duration, frame, length);
-}
-
-void Animation::pushBack(Animation other, bool keepOutro, bool keepIntro) {
-    unsigned int length = fill_and_check(other);
-    if (!keepIntro) {
-        length -= other.introSize;
-        other.remove(0, other.introSize);
-    }
-    const unsigned int duration = durationInFrames();
-    const unsigned int end = keepOutro ? duration : outro_start(*this, duration);
-    insert_layers(layers, other.layers, length, end, end < duration);
-    if (end < duration)
-        shrink_sizes(*this, duration, end, outroSize);
-    widen_sizes(*this, end, end, length);
-    outroSize = other.outroSize;
-}
-
-void Animation::remove(unsigned int start, unsigned int count) {
-    if (count == 0)
-        return;
-    unsigned int duration = 0;
-    std::vector<Splice> edits;
-    edits.reserve(layers.size());
-    for (auto& [name, layer] : layers) {
-        LayerCursor cursor(layer);
-        edits.push_back(removal(cursor, layer, start, count));
-        duration = std::max(duration, cursor.end());
-    }
-    if (duration <= start)
-        return;
-    for (Splice& edit : edits)
-        edit.commit();
-    shrink_sizes(*this, duration, start, count);
-}
-
-void Animation::overrideLayersWith(const Animation& other, unsigned int frame) {
-    unsigned int duration = durationInFrames();
-    const KeyVector missing;
-    LayerMap edited;
-    for (const auto& [name, keys] : other.layers) {
-        const auto found = layers.find(name);
-        const KeyVector& layer = found != layers.end() ? found->second : missing;
-        const unsigned int total =
-            override_into(layer_in(edited, name), layer, duration, keys, frame);
-        duration = std::max(duration, total);
-    }
-    adopt(layers, edited);
-}
-
-void Animation::introBodyOutroLayers(LayerMap& intro, LayerMap& body, LayerMap& outro) const {
-    const unsigned int outroStart = outroStartFrame();
-    const bool aliased = &intro == &layers || &body == &layers || &outro == &layers;
-    const LayerMap copy = aliased ? layers : LayerMap();
-    for (const auto& [name, keys] : aliased ? copy : layers) {
-        LayerCursor cursor(keys);
-        cursor.take(introSize).appendTo(layer_in(intro, name));
-        cursor.take(outroStart).appendTo(layer_in(body, name));
-        cursor.rest().appendTo(layer_in(outro, name));
-    }
-}
-
-Animation Animation::loop(unsigned int count, bool repeatIntro, bool repeatOutro) const {
-    if (count == 0) {
-        Animation result(*this);
-        result.remove(introSize, result.outroStartFrame() - introSize);
-        return result;
-    }
-    const unsigned int duration = check(layers, introSize, outroSize, fps).longest;
-    const unsigned int outroStart = outro_start(*this, duration);
-    if (count > 1 && !layers.empty())
-        check_frame_rate(defaultFps);
-    const unsigned int once =
-        outroStart - introSize + (repeatIntro ? introSize : 0) + (repeatOutro ? outroSize : 0);
-    const unsigned int passes = once == 0 ? 0 : count - 1;
-    if (passes == 0)
-        return *this;
-    const std::uint64_t total = duration + std::uint64_t{passes} * once;
-    if (total >= tooLong)
-        refuse("Animation looped ", count, " times would last ", total,
-               " frames but should last less than ", tooLong);
-
-    Animation result(fps);
-    result.introSize = introSize;
-    result.outroSize = outroSize;
-    KeyVector pass;
-    for (const auto& [name, keys] : layers) {
-        LayerCursor cursor(keys, duration);
-        const KeyRow intro = cursor.take(introSize);
-        const KeyRow rest = LayerCursor(cursor).walkTo(lastFrame);
-        const KeyRow body = cursor.take(outroStart);
-        const KeyRow outro = cursor.walkTo(lastFrame);
-
-        pass.clear();
-        body.appendTo(pass);
-        if (repeatOutro)
-            outro.appendTo(pass);
-        if (repeatIntro)
-            intro.appendTo(pass);
-
-        KeyVector& layer = layer_in(result.layers, name);
-        layer.reserve(intro.size() + passes * pass.size() + rest.size());
-        intro.appendTo(layer);
-        for (unsigned int i = 0; i < passes; ++i)
-            layer.insert(layer.end(), pass.begin(), pass.end());
-        rest.appendTo(layer);
-    }
-    return result;
-}
-
-std::vector<Animation> Animation::splitAt(unsigned int frame, bool keepIntro,
-                                          bool keepOutro) const {
-    return split(*this, {frame}, keepIntro, keepOutro);
-}
-
-// NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is settled.
-std::vector<Animation> Animation::splitAt(std::set<unsigned int> frames, bool keepIntro,
-                                          bool keepOutro) const {
-    return split(*this, {frames.begin(), frames.end()}, keepIntro, keepOutro);
-}
-
-std::vector<Animation> Animation::splitEach(unsigned int step, bool keepIntro,
-                                            bool keepOutro) const {
-    if (step == 0)
-        refuse("Could not split Animation each 0 frame: This number should be strictly higher than "
-               "0");
-    const unsigned int duration = durationInFrames();
-    std::vector<unsigned int> frames;
-    frames.reserve(duration / step + std::size_t{1});
-    for (std::uint64_t frame = 0; frame <= duration; frame += step)
-        frames.push_back(static_cast<unsigned int>(frame));
-    return split(*this, frames, keepIntro, keepOutro);
+    it = layer.end() - left;
+    frame = left > 0 ? std::max(passed, start) : passed;
 }
 
 } // namespace Kiv

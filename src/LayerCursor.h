@@ -1,28 +1,14 @@
 #pragma once
 
-#include <animationmodel/AnimationKey.h>
+#include "frames.h"
 
-#include <cstdint>
-#include <limits>
 #include <optional>
-#include <span>
 
 namespace Kiv {
 
-using Keys = std::span<const AnimationKey>;
-
-/// A target at or past the end of any layer.
-constexpr unsigned int lastFrame = std::numeric_limits<unsigned int>::max();
-
-/// The sum of the durations.
-std::uint64_t total_of(Keys keys);
-
-/// Passes the keys that end at or before `target`, the first of them beginning at `frame`: moves
-/// `frame` to the end of the last one and returns how many. Every walk along a layer is made here.
-std::size_t pass_keys(unsigned int& frame, Keys keys, unsigned int target);
-
-/// A row of keys to be written: a run that stands in memory, and at most one key on either side.
-struct KeyRow {
+/// Keys laid end to end: a run that stands in some layer, and at most one key on either side that
+/// stands in none, such as a piece of a key that was cut.
+struct Stretch {
     std::optional<AnimationKey> front;
     Keys run;
     std::optional<AnimationKey> back;
@@ -36,46 +22,23 @@ struct KeyRow {
     void appendTo(KeyVector& out) const;
 };
 
-/// Reads a layer from its start on without changing it. The next key is the one that begins at
-/// `frame`; after a cut it is what the cut has left of its key.
-class LayerCursor {
-public:
-    /// A cursor at the start of a layer that one `Wait` key fills up to `fillTo` frames, if it is
-    /// shorter.
-    explicit LayerCursor(Keys layer, unsigned int fillTo = 0) : run(layer), fillTo(fillTo) {}
+/// The keys of `layer`, which lasts `total` frames, filled up to `frames` by one `Wait` key.
+Stretch filled(Keys layer, std::uint64_t total, unsigned int frames);
 
-    /// A cursor that stands at `frame` before `keys`.
-    LayerCursor(unsigned int frame, Keys keys) : frame(frame), run(keys) {}
+/// Reads keys one after another and changes none: `rest` is what is still to come, and its first
+/// key begins at `frame`.
+struct LayerCursor {
+    explicit LayerCursor(Keys layer, unsigned int frame = 0) : frame(frame), rest{{}, layer, {}} {}
+    explicit LayerCursor(const Stretch& rest) : rest(rest) {}
 
-    /// Passes the keys that end at or before `target`.
-    KeyRow walkTo(unsigned int target);
+    /// Takes the keys that end at or before `target`.
+    Stretch takeKeys(unsigned int target);
 
-    /// After a walk to `target`: cuts the key that lies across it and passes the piece before.
-    std::optional<AnimationKey> cutAt(unsigned int target);
-
-    /// Passes everything before `target`.
-    KeyRow take(unsigned int target);
-
-    /// All that is still to come, without passing it and without what would fill up the layer; its
-    /// front is the piece that a cut has left.
-    KeyRow rest() const { return {front, run, std::nullopt}; }
-
-    /// Has what is still to come begin at `other`.
-    void restBeginsAt(unsigned int other);
-
-    /// The frame at which the layer ends. Costs the keys still to come.
-    unsigned int end() const;
+    /// Takes the frames before `target`: these keys, and the piece of the key across it.
+    Stretch takeFrames(unsigned int target);
 
     unsigned int frame = 0;
-
-private:
-    std::optional<AnimationKey> pass(std::optional<AnimationKey>& key, unsigned int target);
-    std::optional<AnimationKey> filler();
-
-    std::optional<AnimationKey> front;
-    Keys run;
-    unsigned int fillTo = 0;
-    unsigned int shifted = 0; ///< Frames by which `restBeginsAt` has shifted what is still to come.
+    Stretch rest;
 };
 
 } // namespace Kiv

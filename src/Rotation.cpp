@@ -1,9 +1,8 @@
 #include <animationmodel/Rotation.h>
 
-#include "refuse.h"
+#include "frames.h"
 
 #include <algorithm>
-#include <cstdint>
 
 namespace Kiv {
 
@@ -20,37 +19,44 @@ Rotation::~Rotation() = default;
 
 void Rotation::_init() {
     constexpr unsigned int outputs = 8;
+    const AnimationKey rise({Transition, make_vector(restValue, pulseValue)}, riseDuration);
+    const AnimationKey fall({Transition, make_vector(pulseValue, restValue)}, fallDuration);
+    const AnimationKey step({Hold, make_vector(restValue)}, stepDuration);
+    const auto hold = [&step](std::uint64_t frames) {
+        return AnimationKey(step.command, static_cast<unsigned int>(frames));
+    };
     const std::uint64_t revolution = std::uint64_t{outputs} * stepDuration;
     const std::uint64_t pulse = std::uint64_t{riseDuration} + fallDuration;
     const std::uint64_t period = std::max(revolution, pulse);
-    const std::uint64_t duration = revolution - stepDuration + period + pulse;
-    if (duration >= tooLong)
-        refuse("Rotation would last ", duration, " frames but should last less than ", tooLong);
+    check_length(durationInFrames() + (revolution - stepDuration) + period + pulse,
+                 "Rotation would last ");
 
-    const AnimationKeyCommand resting(Hold, make_vector(restValue));
-    const auto hold = [&resting](std::uint64_t frames) {
-        return AnimationKey(resting, static_cast<unsigned int>(frames));
-    };
-    const AnimationKey rise({Transition, make_vector(restValue, pulseValue)}, riseDuration);
-    const AnimationKey fall({Transition, make_vector(pulseValue, restValue)}, fallDuration);
     KeyVector pulses{rise, fall};
     if (revolution > pulse)
         pulses.push_back(hold(revolution - pulse));
     pulses.insert(pulses.end(), {rise, fall});
 
+    LayerMap built = layers;
+    KeyVector* rows[outputs];
     std::string name = "FaceLed0";
     for (unsigned int i = 0; i < outputs; ++i, ++name.back()) {
+        rows[i] = &built.try_emplace(built.end(), name)->second;
         KeyVector keys;
-        keys.reserve(pulses.size() + 2);
+        keys.reserve(rows[i]->size() + pulses.size() + 2);
         if (i > 0)
             keys.push_back(hold(std::uint64_t{i} * stepDuration));
+        keys.insert(keys.end(), rows[i]->begin(), rows[i]->end());
         keys.insert(keys.end(), pulses.begin(), pulses.end());
-        if (i < outputs - 1)
-            keys.push_back(hold(std::uint64_t{outputs - 1 - i} * stepDuration));
-        layers.emplace_hint(layers.end(), name, std::move(keys));
+        rows[i]->swap(keys);
     }
+    const unsigned int duration = durationInFramesOf(built);
+    for (KeyVector* row : rows)
+        if (const unsigned int missing = duration - durationInFramesOf(*row))
+            row->push_back(hold(missing));
+    layers.swap(built);
     introSize = static_cast<unsigned int>(revolution);
-    outroSize = static_cast<unsigned int>(duration - std::min(duration, 2 * revolution));
+    outroSize =
+        static_cast<unsigned int>(duration - std::min<std::uint64_t>(duration, 2 * revolution));
 }
 
 } // namespace Kiv

@@ -1,6 +1,8 @@
 #include "Splice.h"
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 namespace Kiv {
 
@@ -10,18 +12,35 @@ KeyVector::iterator at(KeyVector& layer, std::size_t index) {
     return layer.begin() + static_cast<std::ptrdiff_t>(index);
 }
 
+bool stands_in(Keys run, const KeyVector& layer) {
+    const std::less<> before; // orders any two pointers
+    return !run.empty() && !before(run.data(), layer.data()) &&
+           before(run.data(), layer.data() + layer.size());
+}
+
 } // namespace
 
-Splice::Splice(KeyVector& layer, std::size_t first, std::size_t last, const KeyRow& row)
-    : layer(&layer), first(first), last(last), row(row) {
-    const std::size_t size = layer.size() - (last - first) + row.size();
-    const bool aliased = !row.run.empty() && row.run.data() == layer.data();
-    if (size <= layer.capacity() && !aliased)
+Splice::Splice(KeyVector& layer, std::size_t kept, const Stretch& row, const LayerCursor& behind)
+    : layer(&layer), first(kept), last(layer.size() - behind.rest.run.size()),
+      lastFrame(behind.frame), row(row) {
+    if (behind.rest.front) {
+        lastFrame += behind.rest.front->duration;
+        this->row.back = behind.rest.front;
+    }
+    const std::size_t size = layer.size() - (last - first) + this->row.size();
+    if (size <= layer.capacity() && !stands_in(row.run, layer))
         return;
     built.reserve(std::max(size, 2 * layer.size()));
     built.insert(built.end(), layer.begin(), at(layer, first));
-    row.appendTo(built);
+    this->row.appendTo(built);
     built.insert(built.end(), at(layer, last), layer.end());
+}
+
+Splice::Splice(KeyVector& layer, KeyVector keys)
+    : layer(&layer), first(0), last(layer.size()), lastFrame(0), built(std::move(keys)) {}
+
+unsigned int Splice::lengthBefore() const {
+    return lastFrame + static_cast<unsigned int>(total_of(Keys(*layer).subspan(last)));
 }
 
 void Splice::commit() noexcept {
@@ -42,36 +61,15 @@ void Splice::commit() noexcept {
     row.writeTo(at(*layer, first));
 }
 
-KeyVector::iterator Splice::behindFront() const {
-    return at(*layer, first + row.front.has_value());
-}
-
-Splice insertion(LayerCursor& cursor, KeyVector& layer, Keys keys, unsigned int frame,
-                 bool dropRest) {
-    const std::size_t first = cursor.walkTo(frame).run.size();
-    KeyRow row{cursor.cutAt(frame), keys, std::nullopt};
-    if (cursor.frame < frame && !keys.empty())
-        row.front = AnimationKey(Wait, frame - cursor.frame);
-    if (dropRest)
-        return Splice(layer, first, layer.size(), row);
-    row.back = cursor.rest().front;
-    return Splice(layer, first, layer.size() - cursor.rest().run.size(), row);
-}
-
-Splice removal(LayerCursor& cursor, KeyVector& layer, unsigned int start, unsigned int count) {
-    cursor.walkTo(start);
-    const std::size_t first = layer.size() - cursor.rest().run.size();
-    const std::optional<AnimationKey> head = cursor.cutAt(start);
-    const unsigned int end = end_of_range(start, count);
-    cursor.walkTo(end);
-    LayerCursor behind = cursor;
-    behind.cutAt(end);
-    const KeyRow rest = behind.rest();
-    return Splice(layer, first, layer.size() - rest.run.size(), {head, {}, rest.front});
-}
-
-unsigned int end_of_range(unsigned int start, unsigned int count) {
-    return count <= lastFrame - start ? start + count : lastFrame;
+Splice replacement(KeyVector& layer, LayerCursor cursor, unsigned int start, unsigned int count,
+                   Keys keys) {
+    cursor.takeKeys(start);
+    const std::size_t kept = layer.size() - cursor.rest.run.size();
+    Stretch row{cursor.takeFrames(start).back, keys, {}};
+    if (cursor.frame < start && !keys.empty())
+        row.front = AnimationKey(Wait, start - cursor.frame);
+    cursor.takeFrames(end_of_range(start, count));
+    return Splice(layer, kept, row, cursor);
 }
 
 } // namespace Kiv

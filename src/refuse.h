@@ -1,14 +1,10 @@
 #pragma once
 
-#include <cstdint>
 #include <locale>
 #include <sstream>
 #include <stdexcept>
 
 namespace Kiv {
-
-/// What would last as many frames or more is refused, wherever lengths are checked.
-constexpr std::uint64_t tooLong = std::uint64_t{1} << 31;
 
 /// Throws std::invalid_argument with the pieces one after another as its text, numbers written in
 /// the classic locale whatever the program's is; or std::bad_alloc, rather than half a text.

@@ -99,6 +99,8 @@ struct Model {
 
     std::size_t outroStart() const { return duration() - std::min(outro, duration()); }
 
+    std::size_t outroBegin() const { return outro <= duration() ? outroStart() : SIZE_MAX; }
+
     /// What a copy is; nothing if it is refused.
     std::optional<Model> copy() const {
         Model result = *this;
@@ -108,7 +110,7 @@ struct Model {
     }
 
     void insert(const Model& other, std::size_t at) {
-        const std::size_t length = other.duration(), start = outroStart();
+        const std::size_t length = other.duration(), start = outroBegin();
         if (length == 0)
             return;
         for (auto& [name, frames] : layers)
@@ -121,7 +123,7 @@ struct Model {
     }
 
     void remove(std::size_t start, std::size_t count) {
-        const std::size_t before = duration(), outroBegin = outroStart();
+        const std::size_t before = duration(), outroBegin = this->outroBegin();
         if (count == 0 || before <= start)
             return;
         for (auto& [name, frames] : layers)
@@ -135,7 +137,7 @@ struct Model {
 
     void pushBack(Model other, bool keepOutro, bool keepIntro) {
         if (!keepOutro)
-            remove(outroStart(), outro);
+            remove(outroBegin(), outro);
         if (!keepIntro)
             other.remove(0, other.intro);
         insert(other, duration());
@@ -185,8 +187,8 @@ struct Model {
                 const std::size_t length = piece->duration(); // of the layers up to this one
                 if (std::exchange(keepIntro, keepIntro && reached < intro) && !keepIntro)
                     piece->intro = std::min(length, length - reached + intro);
-                if (std::exchange(keepOutro, keepOutro && reached < outroStart()) && !keepOutro)
-                    piece->outro = std::min(length, reached - outroStart());
+                if (std::exchange(keepOutro, keepOutro && reached < outroBegin()) && !keepOutro)
+                    piece->outro = std::min(length, reached - outroBegin());
                 ++piece;
             }
             piece->layers[name] = slice(frames, from, frames.size());
