@@ -3,9 +3,11 @@
 #include "LayerCursor.h"
 #include "Splice.h"
 #include "refuse.h"
+#include "shortest.h"
 
 #include <algorithm>
 #include <cmath>
+#include <ostream>
 #include <utility>
 
 namespace Kiv {
@@ -212,7 +214,13 @@ void Animation::insertInLayer(const std::string& name, const AnimationKey& key,
 void Animation::insertInLayer(const std::string& name, AnimationKeyCommandEffect effect,
                               const std::vector<float>& args, unsigned int duration,
                               unsigned int frame) {
-    insertInLayer(name, AnimationKey(AnimationKeyCommand(effect, args), duration), frame);
+    insertInLayer(name, AnimationKey({effect, args}, duration), frame);
+}
+
+void Animation::insertInLayer(const std::string& name, AnimationKeyCommandEffect effect,
+                              std::initializer_list<float> args, unsigned int duration,
+                              unsigned int frame) {
+    insertInLayer(name, AnimationKey({effect, args}, duration), frame);
 }
 
 void Animation::pushBackInLayer(const std::string& name, const KeyVector& keys) {
@@ -227,7 +235,12 @@ void Animation::pushBackInLayer(const std::string& name, const AnimationKey& key
 
 void Animation::pushBackInLayer(const std::string& name, AnimationKeyCommandEffect effect,
                                 const std::vector<float>& args, unsigned int duration) {
-    pushBackInLayer(name, AnimationKey(AnimationKeyCommand(effect, args), duration));
+    pushBackInLayer(name, AnimationKey({effect, args}, duration));
+}
+
+void Animation::pushBackInLayer(const std::string& name, AnimationKeyCommandEffect effect,
+                                std::initializer_list<float> args, unsigned int duration) {
+    pushBackInLayer(name, AnimationKey({effect, args}, duration));
 }
 
 void Animation::removeInLayer(const std::string& name, unsigned int start, unsigned int count) {
@@ -664,6 +677,14 @@ void Animation::_removeKeys(unsigned int& frame, KeyVector::iterator& it, KeyVec
     removed.commit();
     it = layer.end() - left;
     frame = left > 0 ? std::max(passed, start) : passed;
+}
+
+std::ostream& operator<<(std::ostream& out, const Animation& animation) {
+    out << shortest(animation.fps) + " fps, intro " + std::to_string(animation.introSize) +
+               ", outro " + std::to_string(animation.outroSize);
+    for (const auto& [name, keys] : animation.layers)
+        out << '\n' + name + ": " << keys;
+    return out;
 }
 
 } // namespace Kiv

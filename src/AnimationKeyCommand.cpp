@@ -1,23 +1,32 @@
 #include <animationmodel/AnimationKeyCommand.h>
 
 #include "refuse.h"
+#include "shortest.h"
 
+#include <algorithm>
 #include <limits>
+#include <ostream>
 
 namespace Kiv {
 
+AnimationKeyCommand::AnimationKeyCommand(AnimationKeyCommandEffect effect, const float* args,
+                                         std::size_t given)
+    : effect(effect), args{} {
+    constexpr std::size_t most = std::numeric_limits<unsigned int>::max();
+    _checkRightNumberOfArgs(effect, static_cast<unsigned int>(std::min(given, most)));
+    this->args.assign(args, args + given);
+}
+
 AnimationKeyCommand::AnimationKeyCommand(AnimationKeyCommandEffect effect)
-    : AnimationKeyCommand(effect, {}) {}
+    : AnimationKeyCommand(effect, nullptr, 0) {}
 
 AnimationKeyCommand::AnimationKeyCommand(AnimationKeyCommandEffect effect,
                                          const std::vector<float>& args)
-    : effect(effect), args() {
-    constexpr std::size_t most = std::numeric_limits<unsigned int>::max();
-    const auto given = static_cast<unsigned int>(std::min(args.size(), most));
-    _checkRightNumberOfArgs(effect, given);
-    std::copy(args.begin(), args.end(), this->args.values);
-    this->args.count = given;
-}
+    : AnimationKeyCommand(effect, args.data(), args.size()) {}
+
+AnimationKeyCommand::AnimationKeyCommand(AnimationKeyCommandEffect effect,
+                                         std::initializer_list<float> args)
+    : AnimationKeyCommand(effect, args.begin(), args.size()) {}
 
 void AnimationKeyCommand::_checkRightNumberOfArgs(AnimationKeyCommandEffect effect,
                                                   unsigned int given) const {
@@ -29,6 +38,25 @@ void AnimationKeyCommand::_checkRightNumberOfArgs(AnimationKeyCommandEffect effe
                "correspond to the command (",
                given, " arguments given but ", expected, " expected for command ",
                static_cast<std::int32_t>(effect), ")");
+}
+
+namespace {
+
+std::string name_of(AnimationKeyCommandEffect effect) {
+    const char* const names[] = {"Transition", "Hold", "NoValue", "Wait"};
+    const auto index = static_cast<std::uint32_t>(effect);
+    if (index < std::size(names))
+        return names[index];
+    return "Effect " + std::to_string(static_cast<std::int32_t>(effect));
+}
+
+} // namespace
+
+std::ostream& operator<<(std::ostream& out, const AnimationKeyCommand& command) {
+    std::string text = name_of(command.effect);
+    for (const float& value : command.args)
+        text += (&value == command.args.data() ? " (" : ", ") + shortest(value);
+    return out << (command.args.empty() ? text : text + ")");
 }
 
 std::vector<float> make_vector(float a) {

@@ -13,15 +13,11 @@ Rotation::Rotation(float pulseValue, float restValue, unsigned int riseDuration,
     _init();
 }
 
-Rotation::Rotation(const Rotation& other) = default;
-Rotation::Rotation(Rotation&& other) noexcept = default;
-Rotation::~Rotation() = default;
-
 void Rotation::_init() {
     constexpr unsigned int outputs = 8;
-    const AnimationKey rise({Transition, make_vector(restValue, pulseValue)}, riseDuration);
-    const AnimationKey fall({Transition, make_vector(pulseValue, restValue)}, fallDuration);
-    const AnimationKey step({Hold, make_vector(restValue)}, stepDuration);
+    const AnimationKey rise({Transition, {restValue, pulseValue}}, riseDuration);
+    const AnimationKey fall({Transition, {pulseValue, restValue}}, fallDuration);
+    const AnimationKey step({Hold, {restValue}}, stepDuration);
     const auto hold = [&step](std::uint64_t frames) {
         return AnimationKey(step.command, static_cast<unsigned int>(frames));
     };

@@ -4,6 +4,7 @@
 #include <animationmodel/export.h>
 
 #include <initializer_list>
+#include <iosfwd>
 #include <map>
 #include <set>
 #include <string>
@@ -132,6 +133,10 @@ public:
     /// throws std::invalid_argument as the constructors of the command and of the key do.
     void insertInLayer(const std::string& name, AnimationKeyCommandEffect effect,
                        const std::vector<float>& args, unsigned int duration, unsigned int frame);
+    /// The same with arguments in braces; `{}` is none.
+    void insertInLayer(const std::string& name, AnimationKeyCommandEffect effect,
+                       std::initializer_list<float> args, unsigned int duration,
+                       unsigned int frame);
 
     /// Appends `keys` at the end of the layer.
     ///
@@ -151,6 +156,9 @@ public:
     /// throws std::invalid_argument as the constructors of the command and of the key do.
     void pushBackInLayer(const std::string& name, AnimationKeyCommandEffect effect,
                          const std::vector<float>& args, unsigned int duration);
+    /// The same with arguments in braces; `{}` is none.
+    void pushBackInLayer(const std::string& name, AnimationKeyCommandEffect effect,
+                         std::initializer_list<float> args, unsigned int duration);
 
     /// Takes the frames [start, start + count) out of the layer; what lay behind them moves up.
     ///
@@ -312,7 +320,11 @@ public:
     /// @}
 
     /// Layers, sizes and frame rate, exactly. A NaN frame rate differs from itself.
-    friend bool operator==(const Animation&, const Animation&) = default;
+    friend bool operator==(const Animation& a, const Animation& b) {
+        return a.layers == b.layers && a.introSize == b.introSize && a.outroSize == b.outroSize &&
+               a.fps == b.fps;
+    }
+    friend bool operator!=(const Animation& a, const Animation& b) { return !(a == b); }
 
     LayerMap layers;        ///< Every layer by its name.
     unsigned int introSize; ///< Frames, from frame 0.
@@ -354,5 +366,14 @@ protected:
                             unsigned int start, unsigned int count);
     /// @}
 };
+
+/// Writes a line with rate and sizes, and one for each layer:
+///
+///     25 fps, intro 2, outro 1
+///     lamp: Hold (1) over 2, Transition (1, 0) over 4
+///     motor: no keys
+///
+/// The same in every locale, as keys are; no line break at the end.
+ANIMATIONMODEL_EXPORT std::ostream& operator<<(std::ostream& out, const Animation& animation);
 
 } // namespace Kiv

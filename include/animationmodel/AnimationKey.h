@@ -3,6 +3,7 @@
 #include <animationmodel/AnimationKeyCommand.h>
 #include <animationmodel/export.h>
 
+#include <iosfwd>
 #include <type_traits>
 #include <vector>
 
@@ -49,7 +50,12 @@ public:
     /// Throws std::invalid_argument if `step` is 0. Costs the pieces.
     KeyVector splitEach(unsigned int step) const;
 
-    friend bool operator==(const AnimationKey&, const AnimationKey&) = default;
+    friend bool operator==(const AnimationKey& a, const AnimationKey& b) noexcept {
+        return a.command == b.command && a.duration == b.duration;
+    }
+    friend bool operator!=(const AnimationKey& a, const AnimationKey& b) noexcept {
+        return !(a == b);
+    }
 
     AnimationKeyCommand command; ///< What the layer does while the key lasts.
     unsigned int duration;       ///< Frames.
@@ -61,5 +67,11 @@ private:
 };
 
 static_assert(std::is_trivial_v<AnimationKey> && sizeof(AnimationKey) <= 20);
+
+/// Writes the key as "Hold (5) over 10".
+ANIMATIONMODEL_EXPORT std::ostream& operator<<(std::ostream& out, const AnimationKey& key);
+
+/// Writes the keys of a layer as "Hold (5) over 10, Wait over 4", or "no keys".
+ANIMATIONMODEL_EXPORT std::ostream& operator<<(std::ostream& out, const KeyVector& layer);
 
 } // namespace Kiv

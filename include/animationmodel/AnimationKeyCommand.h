@@ -1,11 +1,12 @@
 #pragma once
 
+#include <animationmodel/AnimationKeyArgs.h>
 #include <animationmodel/export.h>
 
-#include <algorithm>
-#include <cassert>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <iosfwd>
 #include <vector>
 
 namespace Kiv {
@@ -17,56 +18,6 @@ enum AnimationKeyCommandEffect : std::int32_t {
     Hold = 1,       ///< One argument: the value for the whole key.
     NoValue = 2,    ///< No argument: the key carries no value.
     Wait = 3,       ///< No argument: filler, through which an overridden layer shows.
-};
-
-/// The arguments of one command: a row of 0 to 2 floats, kept inside the command and read like a
-/// `std::vector<float>`. The elements can be assigned, and one row to another; a length is chosen
-/// only by constructing a command. Copies share nothing.
-class AnimationKeyArgs {
-public:
-    /// @{
-    /// As in `std::vector<float>`.
-    using value_type = float;
-    using size_type = std::size_t;
-    using iterator = float*;
-    using const_iterator = const float*;
-
-    size_type size() const noexcept { return count; }
-    bool empty() const noexcept { return count == 0; }
-
-    float& operator[](size_type index) {
-        assert(index < size());
-        return values[index];
-    }
-    const float& operator[](size_type index) const {
-        assert(index < size());
-        return values[index];
-    }
-
-    float* data() noexcept { return values; }
-    const float* data() const noexcept { return values; }
-    iterator begin() noexcept { return values; }
-    const_iterator begin() const noexcept { return values; }
-    iterator end() noexcept { return values + count; }
-    const_iterator end() const noexcept { return values + count; }
-    /// @}
-
-    /// The arguments as a vector of their own.
-    operator std::vector<float>() const { return std::vector<float>(begin(), end()); }
-
-    friend bool operator==(const AnimationKeyArgs& a, const AnimationKeyArgs& b) noexcept {
-        return std::equal(a.begin(), a.end(), b.begin(), b.end());
-    }
-    friend bool operator==(const AnimationKeyArgs& a, const std::vector<float>& b) noexcept {
-        return std::equal(a.begin(), a.end(), b.begin(), b.end());
-    }
-
-private:
-    friend class AnimationKeyCommand;
-    AnimationKeyArgs() = default; // trivial: see AnimationKey
-
-    std::uint32_t count;
-    float values[2];
 };
 
 /// An effect with its arguments: what a layer does, without how long.
@@ -82,9 +33,16 @@ public:
     /// A command with a copy of `args`. Throws std::invalid_argument unless their number is the one
     /// that `effect` expects: 2 for `Transition`, 1 for `Hold`, 0 for all others.
     AnimationKeyCommand(AnimationKeyCommandEffect effect, const std::vector<float>& args);
+    /// The same with arguments in braces; `{}` is none. Allocates nothing.
+    AnimationKeyCommand(AnimationKeyCommandEffect effect, std::initializer_list<float> args);
 
-    /// Floats compare by value: a NaN differs from itself, and 0 equals -0.
-    friend bool operator==(const AnimationKeyCommand&, const AnimationKeyCommand&) = default;
+    /// Effect and arguments, as these compare.
+    friend bool operator==(const AnimationKeyCommand& a, const AnimationKeyCommand& b) noexcept {
+        return a.effect == b.effect && a.args == b.args;
+    }
+    friend bool operator!=(const AnimationKeyCommand& a, const AnimationKeyCommand& b) noexcept {
+        return !(a == b);
+    }
 
     AnimationKeyCommandEffect effect; ///< What the layer does.
     AnimationKeyArgs args;            ///< The values for it.
@@ -97,7 +55,13 @@ protected:
 private:
     friend class AnimationKey;
     AnimationKeyCommand() = default; // trivial: see AnimationKey
+    AnimationKeyCommand(AnimationKeyCommandEffect effect, const float* args, std::size_t given);
 };
+
+/// Writes "Transition (0, 0.1)", "Wait" or, for an effect without a name, "Effect 7": the same in
+/// every locale, floats in the shortest text that reads back as the same float.
+ANIMATIONMODEL_EXPORT std::ostream& operator<<(std::ostream& out,
+                                               const AnimationKeyCommand& command);
 
 /// The arguments of a `Hold`: exactly {a}.
 ANIMATIONMODEL_EXPORT std::vector<float> make_vector(float a);

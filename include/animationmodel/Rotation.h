@@ -18,8 +18,8 @@ namespace Kiv {
 /// first revolution, the outro what lies behind the second one: nothing, if the pulse is no longer
 /// than a step. The frame rate is `Animation::defaultFps`.
 ///
-/// Otherwise an animation like any other. The fields describe how it was built and do not change
-/// when it is edited; so one rotation cannot be assigned to another.
+/// Otherwise an animation like any other, which is copied, moved and assigned as one. The fields
+/// describe how it was built; editing leaves them as they are.
 class ANIMATIONMODEL_EXPORT Rotation : public Animation {
 public:
     /// Durations are in frames. The two values may be any, the pulse below the rest too.
@@ -28,20 +28,24 @@ public:
     Rotation(float pulseValue, float restValue, unsigned int riseDuration,
              unsigned int fallDuration, unsigned int stepDuration);
 
-    Rotation(const Rotation& other);     ///< As for an animation.
-    Rotation(Rotation&& other) noexcept; ///< As for an animation.
-    Rotation& operator=(const Rotation&) = delete;
-    Rotation& operator=(Rotation&&) = delete;
-    ~Rotation() override;
+    /// As animations compare, and all fields.
+    friend bool operator==(const Rotation& a, const Rotation& b) {
+        const Animation &x = a, &y = b;
+        return x == y && a.pulseValue == b.pulseValue && a.restValue == b.restValue &&
+               a.riseDuration == b.riseDuration && a.fallDuration == b.fallDuration &&
+               a.stepDuration == b.stepDuration;
+    }
+    friend bool operator!=(const Rotation& a, const Rotation& b) { return !(a == b); }
 
-    const float pulseValue;          ///< What each pulse reaches at its top.
-    const float restValue;           ///< What a layer holds before, between and after its pulses.
-    const unsigned int riseDuration; ///< Frames from rest to pulse.
-    const unsigned int fallDuration; ///< Frames from pulse back to rest.
-    const unsigned int stepDuration; ///< Frames by which each layer comes after the one before it.
+    float pulseValue;          ///< What each pulse reaches at its top.
+    float restValue;           ///< What a layer holds before, between and after its pulses.
+    unsigned int riseDuration; ///< Frames from rest to pulse.
+    unsigned int fallDuration; ///< Frames from pulse back to rest.
+    unsigned int stepDuration; ///< Frames by which each layer comes after the one before it.
 
 protected:
-    /// Builds the layers and sets the sizes; for the constructor, which has no layers yet.
+    /// Appends the keys to the eight layers, after their first rest at their start, and sets the
+    /// sizes: what the constructor does with no layers. All or, if that throws, nothing.
     void _init();
 };
 
