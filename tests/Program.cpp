@@ -1,9 +1,6 @@
 #include "Program.h"
 
-#include "Model.h"
-
 #include <animationmodel/Rotation.h>
-#include <functional>
 #include <limits>
 #include <new>
 
@@ -13,24 +10,125 @@ Memory memory;
 
 namespace {
 
-class Run {
-public:
-    Run(const std::vector<unsigned char>& bytes, Check check, unsigned long& calls)
-        : bytes(bytes), extreme(check == Check::Extremes), failing(check == Check::Memory),
-          calls(calls) {}
-
-    /// What went wrong, behind the calls that led to it if they are `written` down; "" if nothing.
-    std::string result(bool written) {
-        writing = written;
-        while (next < bytes.size() && fault.empty())
-            step();
-        return log + fault;
+/// Whether the animation is what the model is.
+bool same(const Animation& it, const Model& model) {
+    return FrameMap(it.layers.begin(), it.layers.end()) == model.layers &&
+           it.introSize == model.introSize && it.outroSize == model.outroSize;
+}
+/// Makes the call of `step` on an animation or on a model, and returns what it gives.
+template <class It>
+std::vector<It> call(It& it, const It& other, const Step& step, const KeyVector& keys) {
+    const auto& [operation, frame, count, first, second, name, own, given] = step;
+    std::vector<It> none, maps(3);
+    const auto map = [&](unsigned int i) -> auto& {
+        return count == i ? it.layers : maps[i].layers;
+    };
+    It moved; // neither filled nor checked yet
+    moved.layers = other.layers;
+    moved.introSize = other.introSize;
+    moved.outroSize = other.outroSize;
+    switch (operation) {
+    case 0:
+        return it.insertInLayer(name, keys, frame), none;
+    case 1:
+        return it.insertInLayer(name, keys.empty() ? AnimationKey(Wait, 3) : keys.back(), frame),
+               none;
+    case 2:
+        return it.pushBackInLayer(name, keys), none;
+    case 3:
+        return it.fillInLayer(name, frame), none;
+    case 4:
+        return it.removeInLayer(name, frame, count), none;
+    case 5:
+        return it.overrideLayerWith(name, keys, frame), none;
+    case 6:
+        return it.insert(other, frame), none;
+    case 7:
+        return it.insert(std::move(moved), frame), none;
+    case 8:
+        return it.pushBack(std::move(moved), first, second), none;
+    case 9:
+        return it.remove(frame, count), none;
+    case 10:
+        return it.overrideLayersWith(other, frame), none;
+    case 11:
+        return it.introBodyOutroLayers(map(0), map(1), map(2)), std::move(maps);
+    case 12:
+        return {it.loop(count, first, second)};
+    case 13:
+        return it.splitAt({frame, count, count / 2}, first, second);
+    case 14:
+        return it.splitEach(count, first, second);
+    case 15:
+        return it = It(other.layers, frame, count), none;
+    default:
+        return it.introSize = frame, it.outroSize = count, none;
     }
+}
 
-private:
-    unsigned int take(unsigned int limit) {
-        return next < bytes.size() ? bytes[next++] % limit : 0;
-    }
+/// Calls that the model does not have: they come back.
+void call_others(const Step& step, const AnimationKey& key) {
+    const float value = key.command.args.empty() ? 0 : key.command.args.front();
+    Animation it;
+    refusal([&] { it.setFPSToFitDurationInSeconds(value), it.simulatedDurationInSeconds(value); });
+    refusal([&] { Rotation(value, 0, step.frame, step.count, key.duration); });
+    refusal([&] { key.splitAt(step.frame), key.splitEach(step.count); });
+}
+
+} // namespace
+
+std::string run_step(Subject& subject, Subject& other, const Step& given, Check check,
+                     unsigned long& calls) {
+    Step step = given;
+    if (check == Check::Memory && step.operation == 11)
+        step.count = 3; // no map is the animation's own: that keeps what it got
+    if (check != Check::Extremes && (step.operation == 13 || step.operation == 14) &&
+        subject.model.layers != Model(subject.model.layers, 0, 0).layers)
+        step.first = step.second = false; // the model has no marks for layers of unequal lengths
+    const auto own = subject.animation.layers.find(step.own);
+    const KeyVector& keys = own != subject.animation.layers.end() ? own->second : step.keys;
+    const Model before = subject.model, otherModel = other.model;
+    std::string refused;
+    std::vector<Model> expected;
+    if (check != Check::Extremes)
+        refused = refusal([&] { expected = call(subject.model, otherModel, step, keys); });
+    if (!refused.empty())
+        subject.model = before;
+    for (unsigned long nth = 1;; ++nth)
+        try {
+            std::vector<Animation> results;
+            memory.failAt = check == Check::Memory ? nth : 0;
+            const std::string error =
+                refusal([&] { results = call(subject.animation, other.animation, step, keys); });
+            memory.failAt = 0;
+            ++calls;
+            if (check == Check::Extremes)
+                return keys.empty() ? "" : (call_others(step, keys.back()), "");
+            if (error.empty() != refused.empty())
+                return "refused by one alone: " + error + refused;
+            const bool equal =
+                std::equal(results.begin(), results.end(), expected.begin(), expected.end(),
+                           [](const auto& a, const auto& b) { return same(a, b); });
+            return equal && same(subject.animation, subject.model) ? "" : "not as the model";
+        } catch (const std::bad_alloc&) {
+            memory.failAt = 0;
+            if (check == Check::Extremes)
+                return "";
+            if (!same(subject.animation, before))
+                return "changed before memory ran out";
+        }
+}
+
+namespace {
+
+/// Takes the arguments of one step after another from bytes.
+struct Reader {
+    const std::vector<unsigned char>& bytes;
+    bool extreme;
+    std::size_t next = 0;
+
+    bool done() const { return next >= bytes.size(); }
+    unsigned int take(unsigned int limit) { return done() ? 0 : bytes[next++] % limit; }
 
     unsigned int takeNumber(unsigned int limit) {
         constexpr unsigned int extremes[] = {0, 1, 2, 2147483647, 2147483648, 4294967295};
@@ -45,14 +143,14 @@ private:
     }
 
     AnimationKey takeKey() {
-        const unsigned int effect = take(6);
         AnimationKey key(Wait, take(9) + 1);
-        if (effect < 2)
-            key.command = {Transition, make_vector(takeFloat(), takeFloat())};
-        else if (effect == 2)
-            key.command = {Hold, make_vector(takeFloat())};
-        else if (effect < 5)
-            key.command = effect == 3 ? NoValue : AnimationKeyCommandEffect(-7);
+        const unsigned int kind = take(6);
+        if (kind < 2)
+            key.command = {Transition, {takeFloat(), takeFloat()}};
+        else if (kind == 2)
+            key.command = {Hold, {takeFloat()}};
+        else if (kind < 5)
+            key.command = kind == 3 ? NoValue : AnimationKeyCommandEffect(-7);
         if (extreme && take(2) == 0) { // what no constructor would allow
             key.command.effect = AnimationKeyCommandEffect(take(7) - 2);
             key.duration = takeNumber(0);
@@ -60,191 +158,44 @@ private:
         return key;
     }
 
-    /// A call on an animation, and what it does on the model unless it is refused.
-    struct Operation {
-        std::function<void()> call, play = [] {};
-        bool refused = false;
-    };
-
-    void act(const Operation& operation) {
-        for (unsigned long nth = 1; fault.empty(); ++nth)
-            try {
-                memory.failAt = failing ? nth : 0;
-                const std::string error = refusal(operation.call);
-                memory.failAt = 0;
-                ++calls;
-                if (!extreme && error.empty() == operation.refused)
-                    fault = operation.refused ? "should be refused" : error;
-                if (!extreme && !operation.refused)
-                    operation.play();
-                return;
-            } catch (const std::bad_alloc&) {
-                memory.failAt = 0;
-                if (extreme)
-                    return;
-                compare(animations[which], models[which]);
-            }
+    Step takeStep() {
+        const std::string names[] = {"a", "b", "", std::string("\0\xff", 2), std::string(99, 'n')};
+        Step step{take(operations), takeNumber(64), takeNumber(24), take(2) != 0,
+                  take(2) != 0,     names[take(5)], "none",         {}};
+        if (!extreme && step.operation == 12)
+            step.count %= 4;
+        else if (!extreme && take(16) == 0)
+            step.count = 4294967295 - take(2);
+        if (take(4) == 0)
+            step.own = names[take(5)];
+        for (unsigned int i = take(6); i > 0; --i)
+            step.keys.push_back(takeKey());
+        return step;
     }
-
-    void compare(const Animation& is, const Model& expected) {
-        if (const std::string what = difference(is, expected); fault.empty() && !what.empty())
-            fault = "should have " + what + ", but is " + show(is);
-    }
-
-    void step();
-
-    const std::vector<unsigned char>& bytes;
-    const bool extreme, failing;
-    unsigned long& calls;
-    std::size_t next = 0;
-    Animation animations[2];
-    Model models[2];
-    unsigned int which = 0; ///< On which of the two the step works.
-    bool writing = false;
-    std::string log, fault;
 };
-
-void Run::step() {
-    which = take(2);
-    const unsigned int from = take(3) == 0 ? which : 1 - which;
-    Animation& it = animations[which];
-    const Animation& other = animations[from];
-    Model& model = models[which];
-    const std::map<std::string, Frames> otherLayers = models[from].layers;
-    const std::optional<Model> copy = model.copy(), otherCopy = models[from].copy();
-
-    const std::string names[] = {"a", "b", "", std::string("\0\xff", 2), std::string(99, 'n')};
-    const std::string name = names[take(5)];
-    const unsigned int frame = takeNumber(64);
-    const unsigned int count = take(16) == 0 ? 4294967295 - take(2) : takeNumber(24);
-    const bool first = take(2) != 0, second = take(2) != 0;
-    if (const auto layer = it.layers.find(name); layer != it.layers.end())
-        layer->second.reserve(take(3) == 0 ? 50 : 0); // so that some edits are made in place
-    KeyVector given;
-    for (unsigned int i = take(6); i > 0; --i)
-        given.push_back(takeKey());
-    const auto own = it.layers.find(names[take(5)]);
-    const KeyVector& keys = take(4) == 0 && own != it.layers.end() ? own->second : given;
-    const Frames written = extreme ? Frames() : frames_of(keys);
-    const AnimationKey spare(Wait, 3);
-    const AnimationKey& single = keys.empty() ? spare : keys.back();
-    const Frames last = extreme ? Frames() : frames_of({single});
-    const unsigned int number = take(5);
-    const auto effect = AnimationKeyCommandEffect(number);
-    const std::vector<float> args(take(4), 1.5F);
-    const unsigned int length = count % 99;
-    const bool mismatch = args.size() != (number < 2 ? 2 - number : 0) || length == 0;
-
-    Animation result;
-    std::vector<Animation> pieces;
-    LayerMap parts[3];
-    std::set<unsigned int> cuts{frame, count % 64, count % 5};
-    std::set<unsigned int> multiples;
-    for (std::uint64_t i = 0; !extreme && count > 0 && i <= model.duration(); i += count)
-        multiples.insert(static_cast<unsigned int>(i));
-    const unsigned int times = extreme ? count : count % 4, intro = extreme ? frame : frame % 32,
-                       outro = extreme ? count : count % 32;
-    Model sized = model;
-    sized.intro = intro;
-    sized.outro = outro;
-    const std::optional<Model> built = sized.copy();
-    const auto layer = [&]() -> Frames& { return model.layers[name]; };
-    const auto key = [&] { return frames_of({{{effect, args}, length}}); };
-    const auto comparePieces = [&](const std::set<unsigned int>& at) {
-        const std::vector<Model> expected = model.split(at, first, second);
-        if (pieces.size() != expected.size())
-            fault = "should give " + std::to_string(expected.size()) + " pieces";
-        for (std::size_t i = 0; fault.empty() && i < pieces.size(); ++i)
-            compare(pieces[i], expected[i]);
-    };
-    const Operation operations[] = {
-        {[&] { it.insertInLayer(name, keys, frame); },
-         [&] { written.empty() ? Frames() : layer() = inserted(layer(), written, frame); }},
-        {[&] { it.insertInLayer(name, single, frame); },
-         [&] { layer() = inserted(layer(), last, frame); }},
-        {[&] { it.insertInLayer(name, effect, args, length, frame); },
-         [&] { layer() = inserted(layer(), key(), frame); }, mismatch},
-        {[&] { it.pushBackInLayer(name, keys); },
-         [&] {
-             layer() = joined({layer(), written});
-         }},
-        {[&] { it.pushBackInLayer(name, effect, args, length); },
-         [&] {
-             layer() = joined({layer(), key()});
-         },
-         mismatch},
-        {[&] { it.fillInLayer(name, frame); }, [&] { layer() = filled(layer(), frame); }},
-        {[&] { it.removeInLayer(name, frame, count); },
-         [&] { layer() = removed(layer(), frame, count); }},
-        {[&] { it.overrideLayerWith(name, keys, frame); },
-         [&] {
-             model.overrideWith({{name, written}}, frame);
-         }},
-        {[&] { it.insert(other, frame); }, [&] { model.insert(*otherCopy, frame); }, !otherCopy},
-        {[&] { // moved in, so filled and checked by the call
-             Animation moved;
-             moved.layers = other.layers;
-             moved.introSize = other.introSize;
-             moved.outroSize = other.outroSize;
-             it.insert(std::move(moved), frame);
-         },
-         [&] { model.insert(*otherCopy, frame); }, !otherCopy},
-        {[&] { it.pushBack(other, first, second); },
-         [&] { model.pushBack(*otherCopy, first, second); }, !otherCopy},
-        {[&] { it.remove(frame, count); }, [&] { model.remove(frame, count); }},
-        {[&] { it.overrideLayersWith(other, frame); },
-         [&] { model.overrideWith(otherLayers, frame); }},
-        {[&] {
-             std::ranges::fill(parts, LayerMap());
-             it.introBodyOutroLayers(parts[0], parts[1], parts[2]);
-         },
-         [&] {
-             const std::size_t end = std::max(model.intro, model.outroStart());
-             const std::size_t ends[] = {0, model.intro, end, 99999};
-             for (std::size_t i = 0; i < 3; ++i) {
-                 result.layers = parts[i];
-                 compare(result, model.part(ends[i], ends[i + 1]));
-             }
-         }},
-        {[&] { result = it.loop(times, first, second); },
-         [&] { compare(result, copy->looped(times, first, second)); }, !copy},
-        {[&] { pieces = it.splitAt(cuts, first, second); }, [&] { comparePieces(cuts); }},
-        {[&] { pieces = it.splitEach(count, first, second); }, [&] { comparePieces(multiples); },
-         count == 0},
-        {[&] { it = other; }, [&] { model = *otherCopy; }, !otherCopy},
-        {[&] { it = Animation(LayerMap(it.layers), intro, outro); }, [&] { model = *built; },
-         !built},
-        {[&] { it.introSize = intro, it.outroSize = outro; }, [&] { model = sized; }},
-        // Only with extreme arguments, for the model has no frame rate:
-        {[&] { it.setFPSToFitDurationInSeconds(takeFloat()); }},
-        {[&] { it.simulatedDurationInSeconds(takeFloat()); }},
-        {[&] { takeKey().splitAt(frame); }},
-        {[&] { takeKey().splitEach(count); }},
-        {[&] { result = Rotation(takeFloat(), takeFloat(), frame, count, takeNumber(0)); }},
-        {[&] { it.layer(name); }},
-    };
-    const std::size_t operation = take(std::size(operations) - (extreme ? 0 : 6));
-    if (writing)
-        log += show(it) + "\n  " + std::to_string(operation) + " of " + "ab"[which] + " with " +
-               name + " " + std::to_string(frame) + " " + std::to_string(count) + " " + show(keys) +
-               "\n";
-    act(operations[operation]);
-    if (extreme)
-        return;
-    compare(it, model);
-    if (model.duration() > 200) {
-        it.reset();
-        model = Model();
-    }
-}
 
 } // namespace
 
 std::string run_program(const std::vector<unsigned char>& bytes, Check check,
                         unsigned long& calls) {
-    if (Run(bytes, check, calls).result(false).empty())
-        return "";
-    return Run(bytes, check, calls).result(true);
+    Subject subjects[2];
+    for (Reader reader{bytes, check == Check::Extremes}; !reader.done();) {
+        Subject& subject = subjects[reader.take(2)];
+        Subject& other = subjects[reader.take(2)];
+        const Step step = reader.takeStep();
+        for (auto& [name, layer] : subject.animation.layers)
+            layer.reserve(reader.take(3) == 0 ? 50 : 0); // so that some edits are made in place
+        const std::string fault = run_step(subject, other, step, check, calls);
+        if (!fault.empty()) {
+            std::ostringstream text;
+            text << fault << ": " << step.operation << " with " << step.frame << ' ' << step.count
+                 << ' ' << step.name << ' ' << step.keys << " left " << subject.animation;
+            return text.str();
+        }
+        if (check != Check::Extremes && subject.model.duration() > 200)
+            subject = Subject();
+    }
+    return "";
 }
 
 } // namespace Kiv

@@ -1,16 +1,16 @@
 #pragma once
 
-#include <cstddef>
+#include "Model.h"
+
 #include <cstdint>
-#include <string>
-#include <vector>
 
 namespace Kiv {
 
-/// What the programs' allocations do.
+/// What allocations do.
 struct Memory {
     unsigned long failAt = 0;       ///< The allocation to fail, counted down; 0 for none.
     std::size_t largest = SIZE_MAX; ///< Larger ones fail too.
+    unsigned long count = 0;        ///< How many there were.
 };
 extern Memory memory;
 
@@ -20,9 +20,28 @@ enum class Check {
     Extremes ///< Arguments are the most extreme there are; each call comes back.
 };
 
-/// Runs the program of public operations that `bytes` stand for. Returns the calls that led to what
-/// went wrong, and what that was; "" if nothing did. Adds to `calls` how many ended well or
-/// refused.
+/// An animation, and the model that it has to be like.
+struct Subject {
+    Animation animation;
+    Model model;
+};
+
+/// One call: the number of the operation, and all arguments that any of them takes.
+struct Step {
+    unsigned int operation, frame, count;
+    bool first, second;
+    std::string name, own; ///< The keys are those of the layer `own` of the animation itself,
+    KeyVector keys;        ///< or these, if there is no such layer.
+};
+constexpr unsigned int operations = 17;
+
+/// Makes the call on `subject`, with `other`, which may be it, where an animation is asked for.
+/// Returns what went wrong; "" if nothing did. Adds to `calls` how many ended well or refused.
+std::string run_step(Subject& subject, Subject& other, const Step& step, Check check,
+                     unsigned long& calls);
+
+/// Runs the program of calls on two animations that `bytes` stand for. Returns what went wrong, and
+/// in which call; "" if nothing did.
 std::string run_program(const std::vector<unsigned char>& bytes, Check check, unsigned long& calls);
 
 } // namespace Kiv

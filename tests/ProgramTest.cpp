@@ -1,14 +1,12 @@
 #include "Program.h"
-#include "Text.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <new>
 #include <random>
-#include <thread>
-#include <utility>
 
 void* operator new(std::size_t size) {
+    ++Kiv::memory.count;
     const bool fails = Kiv::memory.failAt > 0 && --Kiv::memory.failAt == 0;
     void* place = fails || size > Kiv::memory.largest ? nullptr : std::malloc(size);
     return place != nullptr ? place : throw std::bad_alloc();
@@ -57,40 +55,6 @@ TEST(ProgramTest, ExtremeArgumentsAreSafe) {
     memory.largest = 1 << 24;
     expectPrograms(Check::Extremes, 500, 50000);
     memory.largest = SIZE_MAX;
-}
-
-TEST(ProgramTest, MessagesAreWholeOrOutOfMemory) {
-    const Animation none;
-    const std::string name(600, 'n');
-    bool failed = true;
-    for (unsigned long nth = 1; failed; ++nth)
-        try {
-            memory.failAt = nth;
-            const std::string text = refusal([&] { none.layer(name); });
-            failed = std::exchange(memory.failAt, 0) == 0;
-            EXPECT_EQ(text,
-                      "Layer name given as parameter (" + name + ") does not exist in animation");
-        } catch (const std::bad_alloc&) {
-        }
-}
-
-TEST(ProgramTest, ThreadsShareOneConstAnimation) {
-    const Animation shared = animation("a: T0,60:6; b: H1:2 N:4 | 2 1");
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([&] {
-            for (int round = 0; round < 200; ++round) {
-                Animation copy = shared;
-                copy.insert(shared, 3);
-                LayerMap parts[3];
-                shared.introBodyOutroLayers(parts[0], parts[1], parts[2]);
-                EXPECT_EQ(shared.loop(2, true, true).durationInFrames(), 12U);
-                EXPECT_EQ(shared.splitEach(2, true, true).size(), 5U);
-                EXPECT_EQ(show(shared.layer("b")), "H1:2 N:4");
-            }
-        });
-    for (std::thread& thread : threads)
-        thread.join();
 }
 
 } // namespace

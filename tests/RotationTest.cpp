@@ -22,22 +22,38 @@ TEST(RotationTest, TravelsTwiceAroundTheRing) {
             expected += (i > 0 ? "; FaceLed" : "FaceLed") + std::to_string(i) + ": " +
                         (i > 0 ? "H2:" + std::to_string(i * step) + " " : "") + pulses +
                         (i < 7 ? " H2:" + std::to_string((7 - i) * step) : "");
-        const Rotation some(-1, 2, rise, fall, step);
-        EXPECT_EQ(show(some),
-                  expected + " | " + std::to_string(8 * step) + " " + std::to_string(outro));
+        const Animation built = Rotation(-1, 2, rise, fall, step);
+        EXPECT_EQ(built, animation(expected + " | " + std::to_string(8 * step) + " " +
+                                   std::to_string(outro)));
     }
 }
 
-TEST(RotationTest, RefusesNoDurationAndTooLongOnes) {
+TEST(RotationTest, RefusesNoDurationBeforeTooLongOnes) {
     const std::string empty = "Duration of AnimationKeyCommand must be > 0";
-    EXPECT_EQ(refusal([] { Rotation(1, 0, 0, 3, 1); }), empty);
-    EXPECT_EQ(refusal([] { Rotation(1, 0, 2, 0, 1); }), empty);
-    EXPECT_EQ(refusal([] { Rotation(1, 0, 2, 3, 0); }), empty);
+    EXPECT_EQ(refusal([] { Rotation(1, 0, 0, 4294967295, 1); }), empty);
+    EXPECT_EQ(refusal([] { Rotation(1, 0, 4294967295, 0, 1); }), empty);
+    EXPECT_EQ(refusal([] { Rotation(1, 0, 4294967295, 3, 0); }), empty);
     EXPECT_EQ(Rotation(1, 0, 1, 1073741819, 1).durationInFrames(), 2147483647U);
     EXPECT_EQ(refusal([] { Rotation(1, 0, 67108864, 67108864, 134217728); }),
               "Rotation would last 2147483648 frames but should last less than 2147483648");
     const DefaultFps none(0);
     EXPECT_EQ(refusal([] { Rotation(1, 0, 2, 3, 1); }), "FPS should be strictly higher than 0");
+}
+
+TEST(RotationTest, IsAValueWhoseKeysAreAppended) {
+    struct Twice : Rotation {
+        Twice() : Rotation(1, 0, 1, 1, 1) { _init(); }
+    };
+    const Rotation once(1, 0, 1, 1, 1);
+    Rotation other = Twice();
+    EXPECT_EQ(other.layers["FaceLed1"], keys("H0:1 H0:1 T0,1:1 T1,0:1 H0:6 T0,1:1 T1,0:1 H0:6 "
+                                             "T0,1:1 T1,0:1 H0:6 T0,1:1 T1,0:1 H0:6"));
+    EXPECT_EQ(other.outroSize, 34U - 16U);
+    EXPECT_NE(other, once);
+    other = once;
+    EXPECT_EQ(other, once);
+    other.fallDuration = 2;
+    EXPECT_NE(other, once);
 }
 
 } // namespace

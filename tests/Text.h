@@ -2,6 +2,7 @@
 
 #include <animationmodel/Animation.h>
 
+#include <cstdio>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -16,33 +17,21 @@ inline KeyVector keys(const std::string& text) {
     KeyVector result;
     std::istringstream words(text);
     for (std::string word; words >> word;) {
-        std::istringstream in(word.substr(1));
-        int effect = static_cast<int>(std::string("THNW").find(word[0]));
-        if (word[0] == 'E')
-            in >> effect;
-        std::vector<float> args;
-        for (float value = 0; in.peek() != ':' && in >> value; in.peek() == ',' && in.get())
-            args.push_back(value);
+        float a = 0, b = 0;
         unsigned int duration = 0;
-        if (in.get() != ':' || !(in >> duration))
+        int effect = word[0] == 'N' ? NoValue : Wait;
+        const char* const from = word.c_str();
+        if (std::sscanf(from, "T%f,%f:%u", &a, &b, &duration) == 3)
+            result.push_back({{Transition, {a, b}}, duration});
+        else if (std::sscanf(from, "H%f:%u", &a, &duration) == 2)
+            result.push_back({{Hold, {a}}, duration});
+        else if (std::sscanf(from, "%*1[NW]:%u", &duration) == 1 ||
+                 std::sscanf(from, "E%d:%u", &effect, &duration) == 2)
+            result.push_back({AnimationKeyCommandEffect(effect), duration});
+        else
             throw std::logic_error("not a key: " + word);
-        result.emplace_back(AnimationKeyCommand(AnimationKeyCommandEffect(effect), args), duration);
     }
     return result;
-}
-
-inline std::string show(const KeyVector& layer) {
-    std::ostringstream out;
-    for (const AnimationKey& key : layer) {
-        const auto effect = static_cast<std::uint32_t>(key.command.effect);
-        out << ' ' << "THNWE"[std::min(effect, 4U)];
-        if (effect > 3)
-            out << key.command.effect;
-        for (std::size_t i = 0; i < key.command.args.size(); ++i)
-            out << (i > 0 ? "," : "") << key.command.args[i];
-        out << ':' << key.duration;
-    }
-    return out.str().substr(layer.empty() ? 0 : 1);
 }
 
 /// The animation that the text shows, neither filled nor checked: as edits may leave one.
@@ -50,30 +39,13 @@ inline Animation animation(const std::string& text) {
     Animation result;
     const auto bar = text.find(" | ");
     std::istringstream parts(text.substr(0, bar));
-    for (std::string part; std::getline(parts, part, ';');) {
-        const auto colon = part.find(": ");
-        const auto first = part.find_first_not_of(' ');
-        result.layers[part.substr(first, colon - first)] = keys(part.substr(colon + 2));
+    for (std::string name, layer; std::getline(parts >> std::ws, name, ':');) {
+        std::getline(parts, layer, ';');
+        result.layers[name] = keys(layer);
     }
     if (bar != std::string::npos)
         std::istringstream(text.substr(bar + 3)) >> result.introSize >> result.outroSize;
     return result;
-}
-
-inline std::string show(const LayerMap& layers) {
-    std::string text;
-    for (const auto& [name, layer] : layers)
-        text += (text.empty() ? "" : "; ") + name + ": " + show(layer);
-    return text;
-}
-
-inline std::string show(const Animation& animation) {
-    return show(animation.layers) + " | " + std::to_string(animation.introSize) + " " +
-           std::to_string(animation.outroSize);
-}
-
-inline void PrintTo(const Animation& animation, std::ostream* out) {
-    *out << show(animation);
 }
 
 /// What std::invalid_argument says that `call` throws, or "" if it throws none.

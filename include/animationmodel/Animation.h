@@ -34,7 +34,20 @@ using LayerMap = std::map<std::string, KeyVector>;
 /// Every edit either succeeds or leaves the animation as it was, running out of memory
 /// (std::bad_alloc) included. Arguments may be parts of the animation itself: they count as if
 /// copied first. Frames are added as unsigned 32-bit numbers; keep layers below 2^31 frames.
-/// Costs are linear in what each operation names, with a look-up for each layer name.
+///
+/// Edits may leave an `outroSize` that is greater than the duration. Such an outro begins past
+/// every frame: `insert` and `remove` leave its size, `pushBack` drops nothing for it, and splits
+/// mark nothing with it. `outroStartFrame()` is then 0, and `introBodyOutroLayers` cuts there.
+///
+/// Costs are said in keys, read and written; every operation is one pass. Memory is not allocated
+/// for single keys:
+///
+///     questions            none; `layer` once
+///     one layer            at most once, and once for a layer that is created
+///     all layers           at most once a layer, once for each one created, and up to two lists
+///     copies, maps, pieces an entry and its keys for each layer; lists; `loop` one buffer
+///
+/// While an operation runs there is what was before and what will be, and no third copy of it.
 ///
 /// Distinct animations share nothing but `defaultFps`. Const operations may run at the same time.
 class ANIMATIONMODEL_EXPORT Animation {
@@ -70,7 +83,8 @@ public:
     /// \name Questions
     /// @{
 
-    /// A copy of the keys of a layer.
+    /// A copy of the keys of a layer. To change one in place use the operations below, or take it
+    /// from `layers`: `animation.layers.at(name)[0].duration = 5`.
     /// Throws std::invalid_argument, naming it, if there is no layer of that name.
     KeyVector layer(const std::string& name) const;
 
@@ -87,8 +101,8 @@ public:
     /// Frames of one layer; 0 if it is empty.
     static unsigned int durationInFramesOf(const KeyVector& layer);
 
-    /// The first frame of the outro: the duration minus `outroSize`, so the duration itself if
-    /// there is no outro; 0 if edits left less than `outroSize` frames. Costs all keys.
+    /// The first frame of the outro: the duration minus `outroSize`. Without an outro that is the
+    /// duration itself; 0 if the outro is longer than the animation. Costs all keys.
     unsigned int outroStartFrame() const;
 
     /// Seconds at `fps`, as an absolute value. An `fps` of 0 gives infinity, or NaN without keys.
@@ -177,10 +191,12 @@ public:
     ///     keys    | ~ ~ ~ ~ | X X X X X X |              overrideLayerWith("led", keys, 0)
     ///     after   | A A A A | X X X X X X | C C C C C |
     ///
-    /// First one `Wait` key fills the layer up to the duration of the animation or the total of
-    /// `keys`, whichever is longer; without `keys` that is all. Each run of other keys than `Wait`
-    /// then cuts the key that it begins inside and takes the place of the whole keys that end
-    /// before or with it. A key that ends later is not cut there: it follows the run whole.
+    /// First one `Wait` key fills the layer up to the duration of the animation, or up to the total
+    /// of `keys` if that is longer. Without `keys` that is all.
+    ///
+    /// Then each run of keys other than `Wait` is laid in its place. The key of the layer that the
+    /// run begins inside is cut there. Keys that end before the run does, or with it, are gone. The
+    /// key that the run ends inside is not cut: it follows the run whole.
     ///
     ///     before  | A A A A | B B B B B B |            overrideLayerWith("led", X(3), 2)
     ///     after   | A A | X X X | B B B B B B |
@@ -194,32 +210,36 @@ public:
     /// `fps` stays as it is, and layers are not filled afterwards.
     /// @{
 
-    /// Inserts `other` at `frame` into every layer, as `insertInLayer` does. A layer that only one
-    /// of the two has gets `Wait` keys for what the other one lacks, though none behind.
+    /// Inserts `other` at `frame` into every layer, as `insertInLayer` does.
     ///
     ///     before  L | A A A A A A |         insert(M = Y(3), 4)
     ///     after   L | A A A A | ~ ~ ~ | A A |
     ///             M | ~ ~ ~ ~ | Y Y Y |
     ///
-    /// `introSize` grows by the frames inserted if `frame` is less than it (0 included, equal not);
-    /// `outroSize` if `frame` is greater than `outroStartFrame()`: at the very end if there is an
-    /// outro, past the end even from 0, and not by the `Wait` keys that fill up to `frame`. An
-    /// `other` without keys changes nothing.
-    /// `other` is filled and checked like a copy, and what that throws leaves this one unchanged.
-    /// Costs all keys of both.
+    /// A layer that `other` lacks gets a `Wait` key in its place. A layer that only `other` has is
+    /// created, with a `Wait` key up to `frame` and none behind.
+    ///
+    /// `introSize` grows by the frames inserted if `frame` is less than it; at `frame` equal to it
+    /// they belong to the body. `outroSize` grows if `frame` is greater than the outro's first
+    /// frame, so at the very end if there is an outro, and past the end always.
+    ///
+    /// An `other` without keys changes nothing. `other` is filled and checked like a copy, and what
+    /// that throws leaves this one unchanged. Costs all keys of both.
     void insert(Animation other, unsigned int frame);
 
     /// Appends `other`: first this animation without its outro unless `keepOutro`, then `other`
-    /// without its intro unless `keepIntro`. An outro or intro that is kept becomes part of the
-    /// body; `introSize` stays this animation's (unless edits let it reach into an outro dropped,
-    /// or past the end), `outroSize` becomes that of `other`, even of one without keys.
+    /// without its intro unless `keepIntro`.
     ///
     ///     this    | A A A A A | outro A A A |     other   | intro X | X X X X |
     ///     after   | A A A A A | X X X X |         pushBack(other, false, false)
     ///
-    /// Without layers here the result has those of `other`; an `other` without keys still drops
-    /// the outro unless it is kept. `other` is filled and checked like a copy first.
-    /// Costs all keys here, to find the duration, and those of `other`.
+    /// An outro or intro that is kept becomes part of the body. `outroSize` becomes that of
+    /// `other`, even of one without keys. `introSize` stays, unless edits let it reach into an
+    /// outro that is dropped, or past the end.
+    ///
+    /// Without layers here the result has those of `other`; an `other` without keys still drops the
+    /// outro unless it is kept. `other`, without what is dropped, is filled and checked like a
+    /// copy. Costs all keys of both.
     void pushBack(Animation other, bool keepOutro, bool keepIntro);
 
     /// Takes the frames [start, start + count) out of every layer, as `removeInLayer` does, and off
@@ -282,17 +302,21 @@ public:
     /// Costs the keys of this animation and of the result.
     Animation loop(unsigned int count, bool repeatIntro, bool repeatOutro) const;
 
-    /// The pieces before and from `frame`, both with every layer (none at all if there are no
-    /// keys), each layer with its own keys only, nothing filled. Keys across the cut are cut there.
+    /// The piece before `frame` and the piece from it on. Keys across the cut are cut there.
     ///
     ///     before  | A A A A | B B B B B B |             splitAt(6, ...)
     ///     pieces  | A A A A | B B |       | B B B B |
     ///
-    /// At frame 0 the first piece has no frames, at or past the end the last. With `keepIntro` the
-    /// piece in which the intro ends has as `introSize` what lies in it of the intro, with
-    /// `keepOutro` the one in which the outro starts as `outroSize` what lies in it of the outro;
-    /// the last piece never does, and all other sizes are 0. Where layers differ in length, the
-    /// first one to reach the boundary decides. `fps` is that of this animation.
+    /// Each piece has the `fps` of this animation and every layer, with its own keys only: nothing
+    /// is filled. An animation without keys gives pieces without layers. At frame 0 the first piece
+    /// has no frames, at or past the end the last one.
+    ///
+    /// With `keepIntro` the first piece that ends at or behind the end of the intro is marked: its
+    /// `introSize` is what lies in it of the intro. With `keepOutro` the first piece that ends at
+    /// or behind the outro's first frame is marked: its `outroSize` is what lies in it of the
+    /// outro, which is 0 if it ends right there. The last piece is never marked, and all other
+    /// sizes are 0. Where layers differ in length, the first one to reach the boundary decides.
+    ///
     /// Throws std::invalid_argument if `fps` is 0 or less. Costs all keys.
     std::vector<Animation> splitAt(unsigned int frame, bool keepIntro, bool keepOutro) const;
 
@@ -358,10 +382,11 @@ protected:
     /// Walks to `target` and erases the keys passed. `frame` counts them nevertheless.
     static void _removeKeysOnTheWay(unsigned int& frame, KeyVector::iterator& it,
                                     unsigned int target, KeyVector& layer);
-    /// Walks to `start` and takes the frames [start, start + count) out, with the keys across
-    /// either end cut; a range that would pass 2^32 - 1 goes to the end. `it` is then the first key
-    /// behind the range, and `frame`, counted as if nothing had been removed, where that key began
-    /// before the cut at the range's end.
+    /// Walks to `start` and takes the frames [start, start + count) out. Keys across either end are
+    /// cut there; a range that would pass 2^32 - 1 goes to the end.
+    ///
+    /// Afterwards `it` is the first key behind the range. `frame` counts as if nothing had been
+    /// removed: where that key began, or where its cut at `start` did.
     static void _removeKeys(unsigned int& frame, KeyVector::iterator& it, KeyVector& layer,
                             unsigned int start, unsigned int count);
     /// @}
