@@ -1,11 +1,18 @@
 #!/bin/sh
-# pkgconfig.sh COMPILER STAGE FOLDER [pkg-config options]: builds the consumer by pkg-config alone.
+# pkgconfig.sh STAGE [--static] FOLDER COMPILER [OPTION ...]: builds the consumer with the library
+# that lies in the stage, found by pkg-config alone, and runs it.
 set -eu
-compiler=$1 stage=$2 folder=$3
-shift 3
-PKG_CONFIG_PATH=$(dirname "$(find "$stage" -name animationmodel.pc)")
+PKG_CONFIG_PATH=$(dirname "$(find "$1" -name animationmodel.pc)")
 export PKG_CONFIG_PATH
+shift
+static=
+if [ "$1" = --static ]; then
+    static=--static
+    shift
+fi
+folder=$1
+shift
 mkdir -p "$folder"
-eval "set -- $(pkg-config "$@" --cflags --libs animationmodel)" # it escapes blanks in paths
-"$compiler" -std=c++20 "$(dirname "$0")/main.cpp" -o "$folder/consumer" "$@"
+eval "set -- \"\$@\" \"$(dirname "$0")/main.cpp\" $(pkg-config $static --cflags --libs animationmodel)"
+"$@" -o "$folder/consumer"
 LD_LIBRARY_PATH=$(dirname "$PKG_CONFIG_PATH") "$folder/consumer"
