@@ -1,0 +1,50 @@
+#include <animationmodel/AnimationKey.h>
+
+#include <bit>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <random>
+#include <sstream>
+
+using namespace Kiv;
+
+namespace {
+
+float number(std::mt19937& random, unsigned int row) {
+    const auto any = static_cast<std::uint32_t>(random());
+    if (row % 3 == 0)
+        return static_cast<float>(any % 200001U) / 1000 - 100;
+    return std::bit_cast<float>(any & (row % 3 == 1 ? ~0x00800000U : 0x80FFFFFFU)); // or subnormal
+}
+
+std::uint32_t hash(const KeyVector& pieces, std::uint32_t sum) {
+    for (const AnimationKey& piece : pieces)
+        for (const float value : piece.command.args) // a NaN's bits are the processor's affair
+            sum = (sum ^ (value == value ? std::bit_cast<std::uint32_t>(value) : 7)) * 16777619U;
+    return sum;
+}
+
+/// A Transition a row: its duration, and hashes of the values at a hundred cuts and of up to a
+/// thousand pieces.
+std::string table() {
+    std::ostringstream rows;
+    std::mt19937 random;
+    for (unsigned int row = 0; row < 124; ++row) {
+        const float from = number(random, row), to = number(random, row);
+        const auto duration = static_cast<unsigned int>(random() % (2U << row % 31) + 1);
+        const AnimationKey key({Transition, {from, to}}, duration);
+        std::uint32_t cuts = 0;
+        for (int cut = 0; cut < 100; ++cut)
+            cuts = hash(key.splitAt(static_cast<unsigned int>(random() % duration)), cuts);
+        rows << duration << ' ' << cuts << ' ' << hash(key.splitEach(duration / 1000 + 1), 0)
+             << '\n';
+    }
+    return rows.str();
+}
+
+TEST(ValuesTest, AreTheSameBitsOnEveryMachine) {
+    std::ifstream expected(KIV_VALUES, std::ios::binary);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(expected), {}), table());
+}
+
+} // namespace
