@@ -21,7 +21,7 @@ std::vector<It> call(It& it, const It& other, const Step& step, const KeyVector&
     const auto& [operation, frame, count, first, second, name, own, given] = step;
     std::vector<It> none, maps(3);
     const auto map = [&](unsigned int i) -> auto& {
-        return count == i ? it.layers : maps[i].layers;
+        return step.count == i ? it.layers : maps[i].layers;
     };
     It moved; // neither filled nor checked yet
     moved.layers = other.layers;
