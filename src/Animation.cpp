@@ -349,49 +349,59 @@ private:
 };
 
 /// Edits of the layers of one animation that are prepared one by one and then made all together.
-struct Edits {
+class Edits {
+public:
+    explicit Edits(LayerMap& layers) : layers(layers) {}
+    Edits(const Edits&) = delete; // splices refer to the gap
+    Edits& operator=(const Edits&) = delete;
+
+    /// Prepares to put `other`, whose layers all last `length` frames, in the place of the frames
+    /// [start, start + count) of every layer. Where it lacks a layer, a `Wait` key stands in.
+    void replace(unsigned int start, unsigned int count, LayerMap& other, unsigned int length);
+
+    /// Makes the edits.
+    void commit() noexcept;
+
     std::vector<Splice> splices;
     LayerMap added;            ///< Layers under names that the animation lacks.
-    unsigned int duration = 0; ///< Frames of the longest layer before an insertion or a removal.
+    unsigned int duration = 0; ///< Of the animation before a replacement.
 
-    explicit Edits(std::size_t most) { splices.reserve(most); }
-
-    void commit(LayerMap& layers) noexcept {
-        for (Splice& splice : splices)
-            splice.commit();
-        auto place = layers.begin();
-        while (!added.empty()) {
-            auto node = added.extract(added.begin());
-            while (place != layers.end() && place->first < node.key())
-                ++place;
-            layers.insert(place, std::move(node));
-        }
-    }
+private:
+    LayerMap& layers;
+    AnimationKey gap{Wait, 1};
 };
 
-/// Prepares to put `other`, whose layers all last `length` frames, in the place of the frames
-/// [start, start + count) of every layer. Where it lacks a layer, a `Wait` key stands in.
-Edits replacement_in_all(LayerMap& layers, unsigned int start, unsigned int count, LayerMap& other,
-                         unsigned int length) {
-    Edits edits(layers.size());
-    const AnimationKey gap(Wait, std::max(length, 1U));
+void Edits::replace(unsigned int start, unsigned int count, LayerMap& other, unsigned int length) {
+    gap.duration = length;
     const Keys missing(&gap, length > 0 ? 1 : 0);
     const auto add = [&](LayerMap::iterator named) {
         if (length == 0)
             return;
         if (start > 0)
             named->second.insert(named->second.begin(), AnimationKey(Wait, start));
-        edits.added.insert(edits.added.end(), other.extract(named));
+        added.insert(added.end(), other.extract(named));
     };
     AscendingSearch theirs(other);
+    splices.reserve(layers.size());
     for (auto& [name, layer] : layers) {
         const KeyVector* found = theirs.find(name, add);
-        edits.splices.push_back(replacement(layer, LayerCursor(layer), start, count,
-                                            found != nullptr ? Keys(*found) : missing));
-        edits.duration = std::max(edits.duration, edits.splices.back().lengthBefore());
+        splices.push_back(replacement(layer, LayerCursor(layer), start, count,
+                                      found != nullptr ? Keys(*found) : missing));
+        duration = std::max(duration, splices.back().lengthBefore());
     }
     theirs.finish(add);
-    return edits;
+}
+
+void Edits::commit() noexcept {
+    for (Splice& splice : splices)
+        splice.commit();
+    auto place = layers.begin();
+    while (!added.empty()) {
+        auto node = added.extract(added.begin());
+        while (place != layers.end() && place->first < node.key())
+            ++place;
+        layers.insert(place, std::move(node));
+    }
 }
 
 /// The outro's first frame for edits, in an animation of `duration` frames: an outro longer than
@@ -426,9 +436,10 @@ void Animation::insert(Animation other, unsigned int frame) {
     const unsigned int length = fill_and_check(other);
     if (length == 0)
         return;
-    Edits edits = replacement_in_all(layers, frame, 0, other.layers, length);
+    Edits edits(layers);
+    edits.replace(frame, 0, other.layers, length);
+    edits.commit();
     widen_sizes(*this, edits.duration, frame, length);
-    edits.commit(layers);
 }
 
 void Animation::pushBack(Animation other, bool keepOutro, bool keepIntro) {
@@ -438,7 +449,9 @@ void Animation::pushBack(Animation other, bool keepOutro, bool keepIntro) {
     const unsigned int duration = durationInFrames();
     const unsigned int end =
         keepOutro ? duration : std::min(duration, outro_begin(*this, duration));
-    replacement_in_all(layers, end, duration - end, other.layers, length).commit(layers);
+    Edits edits(layers);
+    edits.replace(end, duration - end, other.layers, length);
+    edits.commit();
     shrink_sizes(*this, duration, end, duration - end);
     widen_sizes(*this, end, end, length);
     outroSize = other.outroSize;
@@ -448,10 +461,11 @@ void Animation::remove(unsigned int start, unsigned int count) {
     if (count == 0)
         return;
     LayerMap none;
-    Edits edits = replacement_in_all(layers, start, count, none, 0);
+    Edits edits(layers);
+    edits.replace(start, count, none, 0);
     if (edits.duration <= start)
         return;
-    edits.commit(layers);
+    edits.commit();
     shrink_sizes(*this, edits.duration, start, count);
 }
 
@@ -465,7 +479,8 @@ void Animation::overrideLayersWith(const Animation& other, unsigned int frame) {
     for (const unsigned int length : totals)
         duration = std::max(duration, length);
 
-    Edits edits(other.layers.size());
+    Edits edits(layers);
+    edits.splices.reserve(other.layers.size());
     AscendingSearch ours(layers);
     for (const auto& [name, keys] : other.layers) {
         KeyVector* layer = ours.find(name, [&](auto /*passed*/) { ++total; });
@@ -477,7 +492,7 @@ void Animation::overrideLayersWith(const Animation& other, unsigned int frame) {
         else
             layer_in(edits.added, name) = std::move(result.keys);
     }
-    edits.commit(layers);
+    edits.commit();
 }
 
 void Animation::setFPSToFitDurationInSeconds(float seconds) {

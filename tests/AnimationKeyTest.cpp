@@ -8,7 +8,7 @@ namespace {
 
 TEST(AnimationKeyTest, CommandsExpectSoManyArguments) {
     for (const int number : {-1, 0, 1, 2, 3, 4})
-        for (const std::size_t given : {0, 1, 2, 3}) {
+        for (const std::size_t given : {0U, 1U, 2U, 3U}) {
             const auto effect = static_cast<AnimationKeyCommandEffect>(number);
             const std::size_t expected = effect == Transition ? 2 : effect == Hold ? 1 : 0;
             const std::string text =

@@ -23,6 +23,8 @@ std::vector<It> call(It& it, const It& other, const Step& step, const KeyVector&
     const auto map = [&](unsigned int i) -> auto& {
         return step.count == i ? it.layers : maps[i].layers;
     };
+    const AnimationKey three(Wait, 3);
+    const AnimationKey& key = keys.empty() ? three : keys.back();
     It moved; // neither filled nor checked yet
     moved.layers = other.layers;
     moved.introSize = other.introSize;
@@ -31,8 +33,7 @@ std::vector<It> call(It& it, const It& other, const Step& step, const KeyVector&
     case 0:
         return it.insertInLayer(name, keys, frame), none;
     case 1:
-        return it.insertInLayer(name, keys.empty() ? AnimationKey(Wait, 3) : keys.back(), frame),
-               none;
+        return it.insertInLayer(name, key, frame), none;
     case 2:
         return it.pushBackInLayer(name, keys), none;
     case 3:
@@ -103,7 +104,7 @@ std::string run_step(Subject& subject, Subject& other, const Step& given, Check 
             memory.failAt = 0;
             ++calls;
             if (check == Check::Extremes)
-                return keys.empty() ? "" : (call_others(step, keys.back()), "");
+                return step.keys.empty() ? "" : (call_others(step, step.keys.back()), "");
             if (error.empty() != refused.empty())
                 return "refused by one alone: " + error + refused;
             const bool equal =
