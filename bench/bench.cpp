@@ -1,21 +1,18 @@
-// Times every operation against its floor: the plain memory work it cannot avoid, done over rows of
-// a bare 20-byte struct. Prints one table in the end.
+// Times every operation, and in turn with it its floor: the plain memory work that it cannot avoid,
+// done over rows of a bare 20-byte struct.
 
 #include <animationmodel/Rotation.h>
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <bit>
 #include <chrono>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <malloc.h>
-#include <map>
 #include <new>
-#include <string>
-#include <vector>
+#include <span>
 
 namespace {
 
@@ -41,443 +38,371 @@ namespace {
 
 using namespace Kiv;
 
+constexpr unsigned int keyFrames = 10;
+
 /// A key without a library.
-struct Plain {
+struct PlainKey {
     int effect;
     unsigned int count;
     float values[2];
     unsigned int duration;
+
+    std::vector<PlainKey> splitEach(unsigned int /*step*/) const { return {duration, *this}; }
 };
-static_assert(sizeof(Plain) == sizeof(AnimationKey));
-using PlainRow = std::vector<Plain>;
-using PlainMap = std::map<std::string, PlainRow>;
+using Row = std::vector<PlainKey>;
+using RowMap = std::map<std::string, Row>;
 
-constexpr unsigned int keyFrames = 10;
-constexpr Plain plainKey{Transition, 2, {0, 1}, keyFrames};
-
-const AnimationKey& anyKey() {
-    static const AnimationKey key({Transition, {0, 1}}, keyFrames);
-    return key;
+void scan(std::span<const PlainKey> keys) {
+    unsigned int frames = 0; // eight at a time: faster than what compilers make of a loop
+    for (; keys.size() >= 8; keys = keys.subspan(8))
+        frames += ((keys[0].duration + keys[1].duration) + (keys[2].duration + keys[3].duration)) +
+                  ((keys[4].duration + keys[5].duration) + (keys[6].duration + keys[7].duration));
+    for (const PlainKey& key : keys)
+        frames += key.duration;
+    benchmark::DoNotOptimize(frames);
 }
 
-std::string layerName(std::size_t index) {
-    return "layer" + std::to_string(index);
+Row& added(RowMap& rows, const std::string& name) {
+    return rows.emplace_hint(rows.end(), name, Row())->second;
 }
 
-unsigned int scan(const PlainRow& row, std::size_t count) {
-    unsigned int frames = 0;
-    const Plain* key = row.data(); // eight at a time: faster than what compilers make of a loop
-    for (; count >= 8; count -= 8, key += 8)
-        frames += ((key[0].duration + key[1].duration) + (key[2].duration + key[3].duration)) +
-                  ((key[4].duration + key[5].duration) + (key[6].duration + key[7].duration));
-    for (; count > 0; --count, ++key)
-        frames += key->duration;
-    return frames;
+void append(Row& out, const Row& row, std::size_t from, std::size_t to) {
+    out.insert(out.end(), row.data() + from, row.data() + to);
 }
 
-unsigned int scan(const PlainMap& rows) {
-    unsigned int longest = 0;
-    for (const auto& [name, row] : rows)
-        longest = std::max(longest, scan(row, row.size()));
-    return longest;
+void insert_at(Row& row, std::size_t place, std::span<const PlainKey> keys) {
+    row.insert(row.begin() + static_cast<long>(place), keys.begin(), keys.end());
 }
 
-/// What so many overriding keys are read for: where they wait, and how long they last.
-void readOverriding(const PlainRow& row, std::size_t count) {
-    benchmark::DoNotOptimize(
-        std::ranges::find_if(row.begin(), row.begin() + static_cast<long>(count),
-                             [](const Plain& key) { return key.effect == Wait; }));
-    benchmark::DoNotOptimize(scan(row, count));
+void erase(Row& row, std::size_t from, std::size_t to) {
+    row.erase(row.begin() + static_cast<long>(from), row.begin() + static_cast<long>(to));
 }
 
-PlainRow& added(PlainMap& rows, const std::string& name) {
-    return rows.emplace_hint(rows.end(), name, PlainRow())->second;
-}
-
-void append(PlainRow& out, const PlainRow& row, std::size_t from, std::size_t to) {
-    const auto begin = row.begin();
-    out.insert(out.end(), begin + static_cast<long>(from), begin + static_cast<long>(to));
-}
-
-/// The key in the middle of a layer of so many, and a frame inside it.
-struct Middle {
-    explicit Middle(std::size_t keys)
-        : key(keys / 2), frame(static_cast<unsigned int>(key) * keyFrames + 3) {}
-    std::size_t key;
-    unsigned int frame;
-};
-
-/// What one call works on, for the library and for the floor, and where it leaves its results.
-struct Work {
-    Animation animation, other;
-    PlainMap plain, plainOther;
-    std::vector<Animation> pieces;
-    LayerMap maps[3];
-    std::vector<PlainMap> results;
-    KeyVector keys;
-    PlainRow row;
-    std::size_t perLayer = 0;
-
-    Work(std::size_t size, std::size_t layers) : perLayer(size / layers) {
-        for (std::size_t i = 0; i < layers; ++i) {
-            animation.layers[layerName(i)].assign(perLayer, anyKey());
-            plain[layerName(i)].assign(perLayer, plainKey);
+/// An animation that only does the memory work: an operation reads the durations that it has to
+/// know, and makes room, copies or moves as many keys as the result asks for. All rows are equally
+/// long and all keys last `keyFrames`.
+struct Floor {
+    void pushBackInLayer(const std::string& name, const PlainKey& key) {
+        layers.find(name)->second.push_back(key);
+    }
+    void durationInFrames() const {
+        for (const auto& [name, row] : layers)
+            scan(row);
+    }
+    void insertInLayer(const std::string& name, const PlainKey& key, unsigned int frame) {
+        Row& row = layers.find(name)->second;
+        const PlainKey keys[] = {key, key}; // it, and the other half of the key that it cuts
+        scan({row.data(), frame / keyFrames});
+        insert_at(row, frame / keyFrames, keys);
+    }
+    void removeInLayer(const std::string& name, unsigned int start, unsigned int count) {
+        Row& row = layers.find(name)->second;
+        scan({row.data(), (start + count) / keyFrames});
+        erase(row, start / keyFrames, (start + count) / keyFrames);
+    }
+    /// With keys that wait, each fourth key is followed by one that overrides.
+    static void override_row(Row& row, const Row& keys) {
+        const bool waits = std::ranges::find(keys, int{Wait}, &PlainKey::effect) != keys.end();
+        const std::size_t run = waits ? 4 : row.size();
+        scan(keys);
+        Row result;
+        result.reserve(row.size() + row.size() / run + 1);
+        for (std::size_t i = 0; i + run <= row.size(); i += run) {
+            append(result, row, i, i + run);
+            append(result, row, i, i + waits);
+        }
+        row.swap(result);
+    }
+    void overrideLayerWith(const std::string& name, const Row& keys, unsigned int /*frame*/) {
+        durationInFrames();
+        override_row(layers.find(name)->second, keys);
+    }
+    void insert(Floor other, unsigned int frame) {
+        durationInFrames();
+        for (auto inserted = other.layers.begin(); auto& [name, row] : layers)
+            insert_at(row, frame / keyFrames, inserted++->second);
+    }
+    void pushBack(Floor other, bool /*keepOutro*/, bool /*keepIntro*/) {
+        insert(std::move(other), unsigned(size() * keyFrames));
+    }
+    void remove(unsigned int start, unsigned int count) {
+        durationInFrames();
+        for (auto& [name, row] : layers)
+            erase(row, start / keyFrames, (start + count) / keyFrames);
+    }
+    void overrideLayersWith(const Floor& other, unsigned int /*frame*/) {
+        durationInFrames();
+        for (auto overriding = other.layers.begin(); auto& [name, row] : layers)
+            override_row(row, overriding++->second);
+    }
+    void introBodyOutroLayers(RowMap& intro, RowMap& body, RowMap& outro) const {
+        const std::size_t end = introSize / keyFrames;
+        for (const auto& [name, row] : layers) {
+            scan(row);
+            append(added(intro, name), row, 0, end);
+            append(added(body, name), row, end, row.size() - end);
+            append(added(outro, name), row, row.size() - end, row.size());
         }
     }
-    KeyVector& layer() { return animation.layers.begin()->second; }
-    PlainRow& plainLayer() { return plain.begin()->second; }
-};
-
-/// One operation: how its work is set up, the call, its floor and the keys that it reads or writes.
-struct Operation {
-    std::string name;
-    std::function<void(Work&)> set;
-    std::function<void(Work&)> call;
-    std::function<void(Work&)> floor;
-    std::size_t divisor = 1; ///< The source has 1/divisor of the keys of the result.
-    bool eightOnly = false;
-};
-
-void nothing(Work& /*work*/) {}
-
-void giveOther(Work& work) {
-    work.other = work.animation;
-    work.plainOther = work.plain;
-}
-
-void leaveRoom(Work& work) {
-    for (auto& [name, layer] : work.animation.layers)
-        layer.reserve(2 * layer.size() + 16);
-    for (auto& [name, row] : work.plain)
-        row.reserve(2 * row.size() + 16);
-}
-
-std::function<void(Work&)> loopFloor(std::size_t times, bool ends, std::size_t pieces = 0) {
-    return [times, ends, pieces](Work& work) {
-        PlainMap result;
-        for (const auto& [name, row] : work.plain) {
-            benchmark::DoNotOptimize(scan(row, row.size()));
-            PlainRow& out = added(result, name);
-            const std::size_t end = ends ? row.size() / 10 : 0;
-            const std::size_t body = row.size() - 2 * end;
-            out.reserve(2 * end + times * (body + pieces) + 2);
-            append(out, row, 0, end);
-            for (std::size_t i = 0; i < times; ++i) {
-                append(out, row, end, end + body);
-                append(out, row, 0, pieces); // the other halves of keys that are cut
+    /// Bodies with intro and outro around them have two more halves of keys that were cut.
+    Floor loop(unsigned int times, bool around, bool /*repeatOutro*/) const {
+        Floor result;
+        const std::size_t begin = around ? 0 : introSize / keyFrames, halves = around ? 2 : 0;
+        for (const auto& [name, row] : layers) {
+            scan(row);
+            Row& out = added(result.layers, name);
+            out.reserve(2 * begin + times * (row.size() - 2 * begin + halves) + 2);
+            append(out, row, 0, begin);
+            for (unsigned int i = 0; i < times; ++i) {
+                append(out, row, begin, row.size() - begin);
+                append(out, row, 0, halves);
             }
-            append(out, row, end + body, row.size());
+            append(out, row, row.size() - begin, row.size());
         }
-        work.results.push_back(std::move(result));
-    };
-}
-
-std::function<void(Work&)> splitFloor(const std::function<std::size_t(std::size_t)>& stepOf) {
-    return [stepOf](Work& work) {
-        const std::size_t step = stepOf(work.perLayer);
-        const std::size_t pieces = work.perLayer / step + 1;
-        work.results.resize(pieces);
-        for (const auto& [name, row] : work.plain) {
-            benchmark::DoNotOptimize(scan(row, row.size()));
-            for (std::size_t i = 0; i < pieces; ++i)
-                append(added(work.results[i], name), row, std::min(i * step, row.size()),
+        return result;
+    }
+    /// Pieces of `step` keys.
+    std::vector<Floor> split(std::size_t step) const {
+        std::vector<Floor> pieces(size() / step + 1);
+        for (const auto& [name, row] : layers) {
+            scan(row);
+            for (std::size_t i = 0; i < pieces.size(); ++i)
+                append(added(pieces[i].layers, name), row, std::min(i * step, row.size()),
                        std::min((i + 1) * step, row.size()));
         }
-    };
-}
+        return pieces;
+    }
+    std::vector<Floor> splitAt(unsigned int frame, bool, bool) const {
+        return split(frame / keyFrames + 1);
+    }
+    std::vector<Floor> splitAt(const std::set<unsigned int>& frames, bool, bool) const {
+        return split(std::max<std::size_t>(1, size() / frames.size()));
+    }
+    std::vector<Floor> splitEach(unsigned int step, bool, bool) const {
+        return split(step / keyFrames);
+    }
+    std::size_t size() const { return layers.begin()->second.size(); }
 
-std::set<unsigned int> cuts(std::size_t count, std::size_t keys) {
-    std::set<unsigned int> frames;
-    const std::size_t frameCount = keys * keyFrames;
-    for (std::size_t i = 1; i <= count; ++i)
-        frames.insert(static_cast<unsigned int>(i * frameCount / (count + 1) + 1));
-    return frames;
-}
+    RowMap layers;
+    unsigned int introSize = 0, outroSize = 0;
+};
 
-std::vector<Operation> operations() {
-    std::vector<Operation> all;
-    const auto add = [&](Operation operation) { all.push_back(std::move(operation)); };
+/// What one call works on, an Animation or a Floor, and where it leaves its results.
+template <class A>
+struct Work {
+    using Layers = decltype(A::layers);
+    using Keys = typename Layers::mapped_type;
+    using Key = typename Keys::value_type;
 
-    add({"pushBackInLayer, one by one",
-         [](Work& w) {
-             for (auto& [name, layer] : w.animation.layers)
-                 layer = KeyVector();
-             for (auto& [name, row] : w.plain)
-                 row = PlainRow();
-         },
-         [](Work& w) {
-             for (auto& [name, layer] : w.animation.layers)
-                 for (std::size_t i = 0; i < w.perLayer; ++i)
-                     w.animation.pushBackInLayer(name, anyKey());
-         },
-         [](Work& w) {
-             for (auto& [name, row] : w.plain)
-                 for (std::size_t i = 0; i < w.perLayer; ++i)
-                     w.plain.find(name)->second.push_back(plainKey);
-         }});
-    add({"copy", nothing, [](Work& w) { w.pieces.emplace_back(w.animation); },
-         [](Work& w) { w.results.emplace_back(w.plain); }});
-    add({"durationInFrames", nothing,
-         [](Work& w) { benchmark::DoNotOptimize(w.animation.durationInFrames()); },
-         [](Work& w) { benchmark::DoNotOptimize(scan(w.plain)); }});
-    add({"insertInLayer, middle key", leaveRoom,
-         [](Work& w) { w.animation.insertInLayer("layer0", anyKey(), Middle(w.perLayer).frame); },
-         [](Work& w) {
-             PlainRow& row = w.plainLayer();
-             const std::size_t middle = Middle(w.perLayer).key;
-             benchmark::DoNotOptimize(scan(row, middle));
-             row.insert(row.begin() + static_cast<long>(middle), 2, plainKey);
-         }});
-    add({"removeInLayer, middle half", leaveRoom,
-         [](Work& w) {
-             const auto half = static_cast<unsigned int>(w.perLayer / 2) * keyFrames;
-             w.animation.removeInLayer("layer0", half / 2 + 3, half);
-         },
-         [](Work& w) {
-             PlainRow& row = w.plainLayer();
-             const auto quarter = static_cast<long>(w.perLayer / 4);
-             benchmark::DoNotOptimize(scan(row, w.perLayer * 3 / 4));
-             row.erase(row.begin() + quarter, row.begin() + 3 * quarter);
-         }});
-    add({"overrideLayerWith, one run", [](Work& w) { w.keys.assign(w.perLayer / 2, anyKey()); },
-         [](Work& w) {
-             w.animation.overrideLayerWith("layer0", w.keys, Middle(w.perLayer / 2).frame);
-         },
-         [](Work& w) {
-             benchmark::DoNotOptimize(scan(w.plain));
-             readOverriding(w.plainLayer(), w.perLayer / 2);
-             PlainRow& row = w.plainLayer();
-             PlainRow result;
-             result.reserve(row.size() + 2);
-             append(result, row, 0, row.size());
-             row.swap(result);
-         }});
-    add({"overrideLayerWith, N/4 runs",
-         [](Work& w) {
-             w.keys.assign(w.perLayer / 2, anyKey());
-             for (std::size_t i = 1; i < w.keys.size(); i += 2)
-                 w.keys[i] = AnimationKey(Wait, keyFrames);
-         },
-         [](Work& w) { w.animation.overrideLayerWith("layer0", w.keys, 3); },
-         [](Work& w) {
-             benchmark::DoNotOptimize(scan(w.plain));
-             readOverriding(w.plainLayer(), w.perLayer / 2);
-             PlainRow& row = w.plainLayer();
-             PlainRow result;
-             result.reserve(row.size() * 5 / 4);
-             for (std::size_t i = 0; i + 4 <= row.size(); i += 4) {
-                 append(result, row, i, i + 4);
-                 append(result, row, i, i + 1);
-             }
-             row.swap(result);
-         }});
-    add({"insert", giveOther,
-         [](Work& w) { w.animation.insert(w.other, Middle(w.perLayer).frame); },
-         [](Work& w) {
-             const PlainMap other = w.plainOther;
-             benchmark::DoNotOptimize(scan(w.plain));
-             for (auto& [name, row] : w.plain) {
-                 const std::size_t middle = Middle(w.perLayer).key;
-                 PlainRow result;
-                 result.reserve(2 * row.size() + 2);
-                 append(result, row, 0, middle);
-                 append(result, other.find(name)->second, 0, row.size());
-                 append(result, row, middle, row.size());
-                 row.swap(result);
-             }
-         },
-         2, true});
-    add({"pushBack",
-         [](Work& w) {
-             giveOther(w);
-             leaveRoom(w);
-         },
-         [](Work& w) { w.animation.pushBack(w.other, true, true); },
-         [](Work& w) {
-             const PlainMap other = w.plainOther;
-             benchmark::DoNotOptimize(scan(w.plain));
-             for (auto& [name, row] : w.plain)
-                 append(row, other.find(name)->second, 0, row.size());
-         },
-         2, true});
-    add({"remove, middle half", nothing,
-         [](Work& w) {
-             const auto half = static_cast<unsigned int>(w.perLayer / 2) * keyFrames;
-             w.animation.remove(half / 2 + 3, half);
-         },
-         [](Work& w) {
-             benchmark::DoNotOptimize(scan(w.plain));
-             for (auto& [name, row] : w.plain) {
-                 const auto quarter = static_cast<long>(w.perLayer / 4);
-                 row.erase(row.begin() + quarter, row.begin() + 3 * quarter);
-             }
-         },
-         1, true});
-    add({"overrideLayersWith, one run",
-         [](Work& w) {
-             giveOther(w);
-             for (auto& [name, layer] : w.other.layers)
-                 layer.resize(w.perLayer / 2, anyKey());
-         },
-         [](Work& w) { w.animation.overrideLayersWith(w.other, Middle(w.perLayer / 2).frame); },
-         [](Work& w) {
-             benchmark::DoNotOptimize(scan(w.plain));
-             for (auto& [name, row] : w.plain) {
-                 readOverriding(row, row.size() / 2);
-                 PlainRow result;
-                 result.reserve(row.size() + 2);
-                 append(result, row, 0, row.size());
-                 row.swap(result);
-             }
-         },
-         1, true});
-    add({"introBodyOutroLayers",
-         [](Work& w) {
-             w.animation.introSize = Middle(w.perLayer / 2).frame;
-             w.animation.outroSize = w.animation.introSize;
-         },
-         [](Work& w) { w.animation.introBodyOutroLayers(w.maps[0], w.maps[1], w.maps[2]); },
-         [](Work& w) {
-             w.results.resize(3);
-             for (const auto& [name, row] : w.plain) {
-                 benchmark::DoNotOptimize(scan(row, row.size()));
-                 const std::size_t quarter = row.size() / 4;
-                 append(added(w.results[0], name), row, 0, quarter);
-                 append(added(w.results[1], name), row, quarter, row.size() - quarter);
-                 append(added(w.results[2], name), row, row.size() - quarter, row.size());
-             }
-         }});
-    add({"loop(100)", nothing,
-         [](Work& w) { w.pieces.push_back(w.animation.loop(100, false, false)); },
-         loopFloor(100, false), 100});
-    add({"loop(100), intro and outro",
-         [](Work& w) {
-             w.animation.introSize = Middle(w.perLayer / 5).frame;
-             w.animation.outroSize = w.animation.introSize;
-         },
-         [](Work& w) { w.pieces.push_back(w.animation.loop(100, true, true)); },
-         loopFloor(100, false, 2), 100});
-    add({"loop(10000), short body",
-         [](Work& w) {
-             w.animation.introSize = w.animation.durationInFrames() / 10 + 1;
-             w.animation.outroSize = w.animation.introSize;
-         },
-         [](Work& w) {
-             const auto count = static_cast<unsigned int>(10000);
-             w.pieces.push_back(w.animation.loop(count, false, false));
-         },
-         loopFloor(10000, true), 10000});
-    add({"splitAt, one frame", nothing,
-         [](Work& w) { w.pieces = w.animation.splitAt(Middle(w.perLayer).frame, true, true); },
-         splitFloor([](std::size_t keys) { return keys / 2 + 1; })});
-    add({"splitAt, 1000 frames", nothing,
-         [](Work& w) { w.pieces = w.animation.splitAt(cuts(1000, w.perLayer), true, true); },
-         [](Work& w) {
-             benchmark::DoNotOptimize(cuts(1000, w.perLayer));
-             const std::size_t step = std::max<std::size_t>(1, w.perLayer / 1000);
-             splitFloor([step](std::size_t) { return step; })(w);
-         }});
-    add({"splitEach(100)", nothing,
-         [](Work& w) { w.pieces = w.animation.splitEach(100, true, true); },
-         splitFloor([](std::size_t) { return 100 / keyFrames; })});
-    add({"AnimationKey::splitEach(1)", nothing,
-         [](Work& w) {
-             w.keys = AnimationKey({Transition, {0, 1}}, static_cast<unsigned int>(w.perLayer))
-                          .splitEach(1);
-         },
-         [](Work& w) { w.row = PlainRow(w.perLayer, plainKey); }});
-    add({"Rotation", nothing, [](Work& w) { w.pieces.push_back(Rotation(1, 0, 2, 3, 1)); },
-         [](Work& w) {
-             PlainMap result;
-             for (std::size_t i = 0; i < 8; ++i)
-                 added(result, layerName(i)).assign(7, plainKey);
-             w.results.push_back(std::move(result));
-         }});
+    Work(std::size_t layers, std::size_t perLayer) : size(perLayer) {
+        for (std::size_t i = 0; i < layers; ++i)
+            animation.layers["layer" + std::to_string(i)].assign(perLayer, key);
+        results.reserve(1);
+    }
+    unsigned int frames(std::size_t keys) const { return unsigned(keys) * keyFrames; }
+    /// A frame inside the key behind so many.
+    unsigned int inside(std::size_t keys) const { return frames(keys) + 3; }
+
+    Key key = std::bit_cast<Key>(AnimationKey({Transition, {0, 1}}, keyFrames));
+    Key wait = std::bit_cast<Key>(AnimationKey(Wait, keyFrames));
+    std::size_t size; ///< Keys in each layer.
+    A animation, other;
+    Keys keys;
+    Layers parts[3];
+    std::vector<A> results;
+};
+
+/// The number of layers, and of the keys in all of them: those of the result and of the source.
+struct Shape {
+    std::size_t layers, keys, source;
+};
+
+/// The shapes of an operation whose result has `growth` times the keys of its source. Where there
+/// are thousands of layers, each has 20 keys in the source.
+std::vector<Shape> shapes(const std::vector<std::size_t>& layerCounts, std::size_t growth = 1) {
+    std::vector<Shape> all;
+    for (const std::size_t layers : layerCounts)
+        if (layers >= 1000)
+            all.push_back({layers, 20 * layers * growth, 20 * layers});
+        else
+            for (const std::size_t keys : {1000U, 10000U, 100000U, 1000000U})
+                if (keys >= 10 * layers * growth)
+                    all.push_back({layers, keys, keys / growth});
     return all;
 }
 
-/// Times batches of calls, each on work of its own that is set up and torn down off the clock.
-void measure(benchmark::State& state, const Operation& operation, bool library, std::size_t size,
-             std::size_t layers) {
-    const std::size_t sourceSize = std::max(size / operation.divisor, 10 * layers);
-    const std::size_t batch = std::clamp<std::size_t>(10000 / size, 1, 10);
-    const auto& call = library ? operation.call : operation.floor;
-    std::size_t counted = 0;
-    for (auto _ : state) {
-        std::vector<Work> works;
+/// Runs something on work of a given shape and returns the seconds that it took.
+using Timed = std::function<double(const Shape&)>;
+
+/// Times `call` on works that `set` prepares off the clock.
+template <class A, class Set, class Call>
+Timed timed(Set set, Call call) {
+    return [=](const Shape& shape) {
+        const std::size_t batch = std::clamp<std::size_t>(10000 / shape.keys, 1, 10);
+        std::vector<Work<A>> works;
         works.reserve(batch);
-        for (std::size_t i = 0; i < batch; ++i) {
-            operation.set(works.emplace_back(sourceSize, layers));
-            works.back().pieces.reserve(1);
-            works.back().results.reserve(1);
-        }
+        for (std::size_t i = 0; i < batch; ++i)
+            set(works.emplace_back(shape.layers, shape.source / shape.layers));
         const std::size_t before = allocations;
         const auto start = std::chrono::steady_clock::now();
-        for (Work& work : works)
+        for (Work<A>& work : works)
             call(work);
         const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
-        counted = (allocations - before) / batch;
-        state.SetIterationTime(time.count() / static_cast<double>(batch));
-    }
-    state.counters["allocations"] = static_cast<double>(counted);
+        allocations = (allocations - before) / batch;
+        return time.count() / static_cast<double>(batch);
+    };
 }
 
-/// Keeps the medians, and prints them as one table.
-class Table : public benchmark::BenchmarkReporter {
-public:
-    bool ReportContext(const Context& /*context*/) override { return true; }
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs)
-            if (run.run_type == Run::RT_Iteration)
-                keep(run);
-        std::fputc('.', stderr);
-    }
-    void keep(const Run& run) {
-        times[run.run_name.function_name].push_back(run.GetAdjustedRealTime());
-        counts[run.run_name.function_name] = run.counters.at("allocations");
-    }
-    void print(const std::vector<Operation>& all, const std::vector<std::size_t>& sizes);
-
-    double median(const std::string& name) {
-        auto& values = times.at(name);
-        std::ranges::sort(values);
-        return values[values.size() / 2];
-    }
-
-    std::map<std::string, std::vector<double>> times; ///< Nanoseconds per call.
-    std::map<std::string, double> counts;
-};
-
-std::string nameOf(const Operation& operation, bool library, std::size_t size, std::size_t layers) {
-    return operation.name + (library ? " library " : " floor ") + std::to_string(size) + " " +
-           std::to_string(layers);
+double median(std::vector<double> values) {
+    std::ranges::sort(values);
+    return values[values.size() / 2];
 }
 
-/// Growth is the exponent between the two largest numbers of keys: 1 is linear. It grows where the
-/// caches end, for the floor as for the library.
-void Table::print(const std::vector<Operation>& all, const std::vector<std::size_t>& sizes) {
-    std::printf("\n%-28s %6s %8s %11s %7s %6s %7s %7s %7s\n", "operation", "layers", "keys",
-                "ns/call", "ns/key", "ratio", "allocs", "growth", "floor's");
-    for (const Operation& operation : all)
-        for (const std::size_t layers : {1, 8}) {
-            double last = 0, lastFloor = 0;
-            for (const std::size_t size : sizes) {
-                const std::string name = nameOf(operation, true, size, layers);
-                if (!times.contains(name))
-                    continue;
-                const double time = median(name);
-                const double floor = median(nameOf(operation, false, size, layers));
-                std::printf("%-28s %6zu %8zu %11.0f %7.3f %6.2f %7.0f", operation.name.c_str(),
-                            layers, size, time, time / static_cast<double>(size), time / floor,
-                            counts[name]);
-                if (last > 0 && size == sizes.back())
-                    std::printf(" %7.2f %7.2f", std::log10(time / last),
-                                std::log10(floor / lastFloor));
-                std::printf("\n");
-                last = time;
-                lastFloor = floor;
-            }
-        }
+/// Times the call and its floor in turn, and over thousands of layers a copy of the animation too.
+/// Reports medians, which a disturbed call does not move.
+void measure(benchmark::State& state, const Shape& shape, const Timed& call, const Timed& floor,
+             const Timed& copy) {
+    std::vector<double> times, ratios, copies;
+    for (auto _ : state) {
+        const double time = call(shape);
+        state.SetIterationTime(time);
+        state.counters["allocations"] = static_cast<double>(allocations);
+        times.push_back(time / static_cast<double>(shape.keys));
+        ratios.push_back(time / floor(shape));
+        if (shape.layers >= 1000)
+            copies.push_back(time / copy(shape));
+    }
+    state.counters["ns/key"] = median(times) * 1e9;
+    state.counters["ratio"] = median(ratios);
+    if (!copies.empty())
+        state.counters["copies"] = median(copies);
+}
+
+constexpr auto asBuilt = [](auto& /*work*/) {};
+constexpr auto copied = [](auto& w) { w.results.push_back(w.animation); };
+
+void compare(const std::string& name, const std::vector<Shape>& shapes, const Timed& call,
+             const Timed& floor) {
+    const Timed copy = timed<Animation>(asBuilt, [](auto& w) { Animation dropped(w.animation); });
+    for (const Shape& shape : shapes)
+        benchmark::RegisterBenchmark(
+            name.c_str(),
+            [=](benchmark::State& state) { measure(state, shape, call, floor, copy); })
+            ->ArgNames({"layers", "keys"})
+            ->Args({long(shape.layers), long(shape.keys)})
+            ->UseManualTime()
+            ->Iterations(31);
+}
+
+/// Registers an operation: how its work is prepared, and the call, which is its floor on a Floor.
+template <class Set, class Call>
+void add(const std::string& name, const std::vector<Shape>& shapes, Set set, Call call) {
+    compare(name, shapes, timed<Animation>(set, call), timed<Floor>(set, call));
+}
+
+template <class Push>
+auto push_each(Push push) {
+    return [push](auto& w) {
+        for (const auto& [name, layer] : w.animation.layers)
+            for (std::size_t i = 0; i < w.size; ++i)
+                push(w, name);
+    };
+}
+
+auto set_sizes(std::size_t part) {
+    return [part](auto& w) {
+        w.animation.introSize = w.animation.outroSize = w.inside(w.size / part);
+    };
+}
+
+std::set<unsigned int> cuts(std::size_t count, unsigned int frames) {
+    std::set<unsigned int> result;
+    for (std::size_t i = 1; i <= count; ++i)
+        result.insert(unsigned(i * frames / (count + 1) + 1));
+    return result;
+}
+
+void add_operations() {
+    const auto clear = [](auto& w) {
+        for (auto& [name, layer] : w.animation.layers)
+            layer = std::decay_t<decltype(layer)>();
+    };
+    const auto leaveRoom = [](auto& w) {
+        for (auto& [name, layer] : w.animation.layers)
+            layer.reserve(2 * layer.size() + 16);
+    };
+    const auto giveOther = [](auto& w) { w.other = w.animation; };
+    const auto pushKeys =
+        push_each([](auto& w, auto& name) { w.animation.pushBackInLayer(name, w.key); });
+
+    add("pushBackInLayer, one by one", shapes({1, 8}), clear, pushKeys);
+    compare("pushBackInLayer, braces against a key", shapes({1, 8}),
+            timed<Animation>(clear, push_each([](auto& w, auto& name) {
+                                 w.animation.pushBackInLayer(name, Transition, {0, 1}, keyFrames);
+                             })),
+            timed<Animation>(clear, pushKeys));
+    add("copy", shapes({1, 8, 1000, 10000}), asBuilt, copied);
+    add("durationInFrames", shapes({1, 8}), asBuilt,
+        [](auto& w) { w.animation.durationInFrames(); });
+    add("insertInLayer, middle key", shapes({1, 8}), leaveRoom,
+        [](auto& w) { w.animation.insertInLayer("layer0", w.key, w.inside(w.size / 2)); });
+    add("removeInLayer, middle half", shapes({1, 8}), leaveRoom, [](auto& w) {
+        w.animation.removeInLayer("layer0", w.inside(w.size / 4), w.frames(w.size / 2));
+    });
+    add(
+        "overrideLayerWith, one run", shapes({1, 8}),
+        [](auto& w) { w.keys.assign(w.size / 2, w.key); },
+        [](auto& w) { w.animation.overrideLayerWith("layer0", w.keys, w.inside(w.size / 4)); });
+    add(
+        "overrideLayerWith, a run every 4 keys", shapes({1, 8}),
+        [](auto& w) {
+            for (std::size_t i = 0; i < w.size / 4; ++i)
+                w.keys.insert(w.keys.end(), {w.key, w.wait});
+        },
+        [](auto& w) { w.animation.overrideLayerWith("layer0", w.keys, 3); });
+    add("insert", shapes({8, 1000, 10000}, 2), giveOther,
+        [](auto& w) { w.animation.insert(w.other, w.inside(w.size / 2)); });
+    add(
+        "pushBack", shapes({8, 1000, 10000}, 2),
+        [=](auto& w) {
+            giveOther(w);
+            leaveRoom(w);
+        },
+        [](auto& w) { w.animation.pushBack(w.other, true, true); });
+    add("remove, middle half", shapes({8, 1000, 10000}), asBuilt,
+        [](auto& w) { w.animation.remove(w.inside(w.size / 4), w.frames(w.size / 2)); });
+    add(
+        "overrideLayersWith, one run", shapes({8, 1000, 10000}),
+        [](auto& w) {
+            for (const auto& [name, layer] : w.animation.layers)
+                w.other.layers[name].assign(w.size / 2, w.key);
+        },
+        [](auto& w) { w.animation.overrideLayersWith(w.other, w.inside(w.size / 4)); });
+    add("introBodyOutroLayers", shapes({1, 8}), set_sizes(4),
+        [](auto& w) { w.animation.introBodyOutroLayers(w.parts[0], w.parts[1], w.parts[2]); });
+    add("loop(2)", shapes({1000, 10000}, 2), asBuilt,
+        [](auto& w) { w.results.push_back(w.animation.loop(2, false, false)); });
+    add("loop(100)", shapes({1, 8}, 100), asBuilt,
+        [](auto& w) { w.results.push_back(w.animation.loop(100, false, false)); });
+    add("loop(100), intro and outro", shapes({1, 8}, 100), set_sizes(10),
+        [](auto& w) { w.results.push_back(w.animation.loop(100, true, true)); });
+    add("loop(10000), short body", shapes({1, 8}, 10000), set_sizes(10),
+        [](auto& w) { w.results.push_back(w.animation.loop(10000, false, false)); });
+    add("splitAt, one frame", shapes({1, 8, 1000, 10000}), asBuilt,
+        [](auto& w) { w.results = w.animation.splitAt(w.inside(w.size / 2), true, true); });
+    add("splitAt, 1000 frames", shapes({1, 8}), asBuilt,
+        [](auto& w) { w.results = w.animation.splitAt(cuts(1000, w.frames(w.size)), true, true); });
+    add("splitEach(100)", shapes({1, 8}), asBuilt,
+        [](auto& w) { w.results = w.animation.splitEach(100, true, true); });
+    add("AnimationKey::splitEach(1)", shapes({1}), asBuilt, [](auto& w) {
+        w.key.duration = unsigned(w.size);
+        w.keys = w.key.splitEach(1);
+    });
+    compare(
+        "Rotation", {{8, 56, 56}},
+        timed<Animation>(asBuilt, [](auto& w) { w.results.push_back(Rotation(1, 0, 2, 3, 1)); }),
+        timed<Floor>(asBuilt,
+                     [](auto& w) { w.results.push_back(std::move(Work<Floor>(8, 7).animation)); }));
 }
 
 } // namespace
@@ -489,22 +414,6 @@ int main(int argc, char** argv) {
     mallopt(M_TOP_PAD, 64 << 20);
 
     benchmark::Initialize(&argc, argv);
-    const std::vector<std::size_t> sizes{1000, 10000, 100000, 1000000};
-    const std::vector<Operation> all = operations();
-    for (const Operation& operation : all)
-        for (const std::size_t layers : {1, 8}) {
-            if (operation.eightOnly && layers == 1)
-                continue;
-            for (const std::size_t size : sizes)
-                for (const bool library : {true, false})
-                    benchmark::RegisterBenchmark(
-                        nameOf(operation, library, size, layers).c_str(),
-                        [&operation, library, size, layers](benchmark::State& state) {
-                            measure(state, operation, library, size, layers);
-                        })
-                        ->UseManualTime();
-        }
-    Table table;
-    benchmark::RunSpecifiedBenchmarks(&table);
-    table.print(all, sizes);
+    add_operations();
+    benchmark::RunSpecifiedBenchmarks();
 }
