@@ -2,6 +2,8 @@
 
 #include "Timeline.h"
 
+#include <animationmodel/Rotation.h>
+
 #include <fstream>
 #include <iostream>
 
@@ -52,6 +54,32 @@ int main(int argc, char** argv) {
     Animation pieces = seconds;
     pieces.fps = light.fps;
     picture("guide-5.svg", "One-second pieces", pieces);
+
+    const Rotation ring(/*pulseValue=*/1, /*restValue=*/0.1F,
+                        /*riseDuration=*/4, /*fallDuration=*/8, /*stepDuration=*/3);
+    picture("guide-6.svg", "A pulse around a ring", ring);
+
+    LayerMap intro, body, outro;
+    ring.introBodyOutroLayers(intro, body, outro);
+    const Animation revolution(body);
+    picture("guide-7.svg", "The body of the ring", revolution);
+
+    Animation door;
+    door.pushBackInLayer("light", Transition, {0, 1}, 10);
+    door.pushBackInLayer("light", Hold, {1}, 10);
+    Animation bell;
+    bell.pushBackInLayer("bell", Hold, {1}, 6);
+    door.insert(bell, 15);
+    picture("guide-8.svg", "The bell rings at frame 15", door);
+
+    door.pushBack(bell, /*keepOutro=*/true, /*keepIntro=*/true);
+    picture("guide-9.svg", "And once more at the end", door);
+
+    door.remove(10, 11);
+    picture("guide-10.svg", "Frames 10 to 20 taken out", door);
+
+    const std::vector<Animation> parts = door.splitAt(15, /*keepIntro=*/true, /*keepOutro=*/true);
+    door = parts.back(); // the bell alone
 
     unsigned int frame = 0;
     for (const AnimationKey& key : light.layer("status")) {
