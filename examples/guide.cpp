@@ -79,7 +79,7 @@ int main(int argc, char** argv) {
     picture("guide-10.svg", "Frames 10 to 20 taken out", door);
 
     const std::vector<Animation> parts = door.splitAt(15, /*keepIntro=*/true, /*keepOutro=*/true);
-    door = parts.back(); // the bell alone
+    door = parts.back(); // the last sound of the bell
 
     unsigned int frame = 0;
     for (const AnimationKey& key : light.layer("status")) {
