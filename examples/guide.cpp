@@ -59,7 +59,9 @@ int main(int argc, char** argv) {
                         /*riseDuration=*/4, /*fallDuration=*/8, /*stepDuration=*/3);
     picture("guide-6.svg", "A pulse around a ring", ring);
 
-    LayerMap intro, body, outro;
+    LayerMap intro;
+    LayerMap body;
+    LayerMap outro;
     ring.introBodyOutroLayers(intro, body, outro);
     const Animation revolution(body);
     picture("guide-7.svg", "The body of the ring", revolution);
