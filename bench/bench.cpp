@@ -15,6 +15,7 @@
 namespace {
 
 std::size_t allocations = 0;
+std::size_t turns = 0; ///< Calls timed, of operations and floors together.
 
 } // namespace
 
@@ -83,18 +84,19 @@ std::vector<Shape> shapes(const std::vector<std::size_t>& layerCounts, std::size
 /// Runs something on work of a given shape and returns the seconds that it took.
 using Timed = std::function<double(const Shape&)>;
 
-/// Times `call` on works that `set` prepares off the clock. No turn finds the same layout in memory
-/// as the one before: one that is unlucky for caches can cost a third.
+/// Times `call` on works that `set` prepares off the clock. Each time they and the results lie
+/// elsewhere in memory: a layout that is unlucky for the caches would cost half in every turn.
 template <class A, class Set, class Call>
 Timed timed(Set set, Call call) {
-    return [=, turn = std::size_t{0}](const Shape& shape) mutable {
+    return [=](const Shape& shape) {
         const std::size_t batch = std::clamp<std::size_t>(10000 / shape.keys, 1, 10);
+        std::vector<char> gaps[2]; // before the works, and before the results of the call
+        gaps[0].reserve(++turns * 70032 % 1000000);
         std::vector<Work<A>> works;
         works.reserve(batch);
         for (std::size_t i = 0; i < batch; ++i)
             set(works.emplace_back(shape.layers, shape.source / shape.layers));
-        const std::vector<char> gap(1 + ++turn * 208 % 4096); // moves where the results will lie
-        benchmark::DoNotOptimize(gap.data());
+        gaps[1].reserve(turns * 30032 % 1000000);
         const std::size_t before = allocations;
         const auto start = std::chrono::steady_clock::now();
         for (Work<A>& work : works)
@@ -262,12 +264,13 @@ void add_operations() {
 } // namespace
 
 int main(int argc, char** argv) {
-    // Freed memory is kept: else the page faults of fresh memory cost more than what is measured.
-    // It is joined at once: else each call finds the scattered pieces that the one before has left.
-    mallopt(M_MXFAST, 0);
+    // Freed memory is kept, and there is enough from the start: else the page faults of fresh
+    // memory cost more than what is measured. It is joined at once: else each call finds the
+    // scattered pieces that the one before has left.
     mallopt(M_MMAP_MAX, 0);
     mallopt(M_TRIM_THRESHOLD, 2000000000);
-    mallopt(M_TOP_PAD, 64 << 20);
+    mallopt(M_MXFAST, 0);
+    benchmark::DoNotOptimize(std::vector<char>(256 << 20).data());
 
     benchmark::Initialize(&argc, argv);
     add_operations();
