@@ -1,0 +1,77 @@
+#pragma once
+
+#include <animationmodel/Animation.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// The values of one layer, frame by frame.
+///
+///     layer   | Transition 1 to 0 | Hold 5    | NoValue   |
+///     value   | 1   .75  .5  .25  | 5   5   5 | none ...    none past the end too
+///     frame   | 0   1    2   3    | 4   5   6 | 7
+///
+/// The value on a frame is the one that the layer, cut there, begins with. A key without a value
+/// has none: whether a light then keeps the last one or goes dark is for the program to say.
+class Track {
+public:
+    /// Stands on frame 0 of `keys`, which have to outlive it.
+    Track(const std::string& name, const Kiv::KeyVector& keys) : layer(&name), keys(&keys) {}
+
+    const std::string& name() const { return *layer; }
+
+    /// Goes to `frame`. Costs the keys between; backwards, those from the start on.
+    void seek(unsigned int frame) {
+        if (frame < begin)
+            index = begin = 0;
+        at = frame;
+        for (; !ended() && at - begin >= key().duration; ++index)
+            begin += key().duration;
+    }
+
+    bool ended() const { return index == keys->size(); }
+
+    std::optional<float> value() const {
+        if (ended() || key().command.effect > Kiv::Hold || key().command.args.empty())
+            return std::nullopt;
+        if (key().command.effect == Kiv::Hold)
+            return key().command.args[0];
+        return key().splitAt(at - begin).back().command.args[0];
+    }
+
+    /// The next frame on which the value may be another one, if there is one.
+    unsigned int nextChange() const {
+        if (ended())
+            return std::numeric_limits<unsigned int>::max();
+        return key().command.effect == Kiv::Transition ? at + 1 : begin + key().duration;
+    }
+
+private:
+    const Kiv::AnimationKey& key() const { return (*keys)[index]; }
+
+    const std::string* layer;
+    const Kiv::KeyVector* keys;
+    std::size_t index = 0;  ///< The key that plays; past the last one at the end.
+    unsigned int begin = 0; ///< The frame on which it begins.
+    unsigned int at = 0;
+};
+
+/// The tracks of an animation, in the order of its layers, which have to outlive them. One seek to
+/// the next frame costs a constant per layer.
+class Player : public std::vector<Track> {
+public:
+    explicit Player(const Kiv::LayerMap& layers) {
+        for (const auto& [name, keys] : layers)
+            emplace_back(name, keys);
+    }
+    explicit Player(Kiv::LayerMap&&) = delete;
+
+    void seek(unsigned int frame) {
+        for (Track& track : *this)
+            track.seek(frame);
+    }
+};
