@@ -2,13 +2,8 @@
 
 #include <animationmodel/Animation.h>
 
-#include <optional>
 #include <ostream>
 #include <string>
-#include <vector>
-
-/// The value that a layer has on `frame`; nothing where it has none, and past its end.
-std::optional<float> value_at(const Kiv::KeyVector& layer, unsigned int frame);
 
 /// The least and the greatest value in an animation, by which colours are chosen.
 struct ValueRange {
@@ -28,15 +23,29 @@ struct Colour {
 /// From dim blue at level 0 to warm yellow at 255.
 Colour colour_of(int level);
 
-/// A value as people write it.
-std::string number(float value);
+/// A value as people write it, with so many digits.
+std::string number(float value, int digits);
+
+/// A value as it stands on a key: two digits do, and more only before the point.
+std::string label(float value);
 
 /// "76 frames, 3.04 s at 25 fps, intro 32, outro 12".
 std::string measures(const Kiv::Animation& animation);
 
-/// Writes one row of text for each layer, at most `width` columns wide, under a ruler of frames.
+/// So many frames between two marks of a ruler that they stand `least` or more apart.
+unsigned int ruler_step(unsigned int least);
+
+/// Calls `visit` with each key of a layer and the frame on which it begins.
+template <class Visit>
+void for_each_key(const Kiv::KeyVector& layer, const Visit& visit) {
+    unsigned int begin = 0;
+    for (const Kiv::AnimationKey& key : layer) {
+        visit(key, begin);
+        begin += key.duration;
+    }
+}
+
+/// Writes one row of text for each layer, at most `width` columns wide (or 20, if that is more),
+/// under a ruler of frames.
 void print_timeline(std::ostream& out, const Kiv::Animation& animation, unsigned int width,
                     bool coloured);
-
-/// Draws the animation as a picture with a heading, in SVG.
-void write_svg(std::ostream& out, const std::string& title, const Kiv::Animation& animation);

@@ -1,34 +1,23 @@
 // Builds a rotation from the command line, edits it, and shows every step as a timeline.
 
+#include "Picture.h"
+#include "Player.h"
+#include "Program.h"
 #include "Timeline.h"
 
 #include <animationmodel/Rotation.h>
 
-#include <charconv>
 #include <chrono>
+#include <clocale>
 #include <cmath>
-#include <csignal>
-#include <cstdlib>
-#include <cstring>
-#include <fstream>
 #include <iostream>
-#include <stdexcept>
+#include <langinfo.h>
 #include <string_view>
 #include <thread>
-#include <unistd.h>
 
 using namespace Kiv;
 
 namespace {
-
-constexpr const char* usage =
-    R"(usage: demo [--play] [--svg FILE] [PULSE [REST [RISE [FALL [STEP]]]]]
-A light that travels around eight outputs, edited step by step.
-  PULSE REST      the values between which each output pulses (1 and 0)
-  RISE FALL STEP  frames that it rises, falls, and comes after the one before (4, 10, 4)
-  --play          then plays the result on eight lights in the terminal, until Ctrl-C
-  --svg FILE      also writes the timeline of the result as a picture
-)";
 
 struct Options {
     bool play = false;
@@ -37,38 +26,31 @@ struct Options {
     unsigned int rise = 4, fall = 10, step = 4;
 };
 
-template <class Number>
-void parse(std::string_view name, std::string_view text, Number& number) {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc() || end != text.data() + text.size() ||
-        !std::isfinite(static_cast<double>(number)))
-        throw std::invalid_argument(std::string(name) + " cannot be \"" + std::string(text) + "\"");
-}
-
-Options parse(const std::vector<std::string_view>& args) {
-    Options options;
-    int place = 0;
-    for (auto arg = args.begin(); arg != args.end(); ++arg) {
-        if (*arg == "--play")
-            options.play = true;
-        else if (*arg == "--svg" && arg + 1 != args.end())
-            options.svg = *++arg;
-        else if (arg->starts_with("--"))
-            throw std::invalid_argument("unknown or incomplete option " + std::string(*arg));
-        else if (place == 0)
-            parse("PULSE", *arg, options.pulse), ++place;
-        else if (place == 1)
-            parse("REST", *arg, options.rest), ++place;
-        else if (place == 2)
-            parse("RISE", *arg, options.rise), ++place;
-        else if (place == 3)
-            parse("FALL", *arg, options.fall), ++place;
-        else if (place == 4)
-            parse("STEP", *arg, options.step), ++place;
-        else
-            throw std::invalid_argument("one argument too many: " + std::string(*arg));
-    }
-    return options;
+void describe(CLI::App& app, Options& options) {
+    const CLI::Validator finite(
+        [](const std::string& text) {
+            float value = 0;
+            const bool fine = CLI::detail::lexical_cast(text, value) && std::isfinite(value);
+            return fine ? "" : "cannot be \"" + text + "\"";
+        },
+        "NUMBER");
+    const CLI::Validator frames(
+        [](const std::string& text) {
+            unsigned int value = 0;
+            const bool fine = CLI::detail::lexical_cast(text, value) && value > 0;
+            return fine ? "" : "cannot be \"" + text + "\", but 1 or more frames";
+        },
+        "FRAMES");
+    app.add_flag("--play", options.play,
+                 "then plays the result on eight lights in the terminal, until Ctrl-C");
+    app.add_option("--svg", options.svg, "also writes the result as a picture that plays")
+        ->check(file_name);
+    app.add_option("PULSE", options.pulse, "the value that each output rises to (1)")
+        ->check(finite);
+    app.add_option("REST", options.rest, "the value that it falls back to (0)")->check(finite);
+    app.add_option("RISE", options.rise, "frames that it rises (4)")->check(frames);
+    app.add_option("FALL", options.fall, "frames that it falls (10)")->check(frames);
+    app.add_option("STEP", options.step, "frames after the output before it (4)")->check(frames);
 }
 
 /// The same key row on all eight outputs.
@@ -123,73 +105,68 @@ std::vector<Step> build(const Options& options) {
     return steps;
 }
 
-volatile std::sig_atomic_t interrupted = 0;
+/// One light of a row: a coloured lamp, or a sign that is the denser the brighter the light is.
+void print_lamp(std::optional<float> value, const ValueRange& range, bool lamps) {
+    const int level = value ? range.level(*value) : 0;
+    const Colour colour = value ? colour_of(level) : Colour{0, 0, 0};
+    if (lamps)
+        std::cout << "\x1b[38;2;" << colour.red << ';' << colour.green << ';' << colour.blue
+                  << "m\u25cf\x1b[0m ";
+    else
+        std::cout << ".:-=+*#@"[level / 32] << ' ';
+}
 
-/// Plays on until interrupted; without colours a light shows by how dense its sign is.
-void play(const Animation& animation, bool coloured) {
+/// Plays on until interrupted.
+void play(const Animation& animation) {
     const ValueRange range(animation);
     const unsigned int duration = animation.durationInFrames();
     const std::chrono::duration<double> frameTime(1.0 / static_cast<double>(animation.fps));
-    std::signal(SIGINT, [](int) { interrupted = 1; });
-    std::signal(SIGTERM, [](int) { interrupted = 1; });
+    std::setlocale(LC_CTYPE, "");
+    const bool lamps = coloured() && std::string_view(nl_langinfo(CODESET)) == "UTF-8";
+    Player player(animation.layers);
+    catch_interrupts();
     std::cout << "\x1b[?25l";
     const auto start = std::chrono::steady_clock::now();
-    for (std::uint64_t count = 0; interrupted == 0 && duration > 0; ++count) {
+    for (std::uint64_t count = 0; interrupted == 0 && std::cout; ++count) {
         const auto frame = static_cast<unsigned int>(count % duration);
+        player.seek(frame);
         std::cout << "\r  ";
-        for (const auto& [name, layer] : animation.layers) {
-            const auto value = value_at(layer, frame);
-            const int level = value ? range.level(*value) : 0;
-            const Colour colour = value ? colour_of(level) : Colour{0, 0, 0};
-            if (coloured)
-                std::cout << "\x1b[38;2;" << colour.red << ';' << colour.green << ';' << colour.blue
-                          << "m\u25cf ";
-            else
-                std::cout << ".:-=+*#@"[level / 32] << ' ';
-        }
-        std::cout << (coloured ? "\x1b[0m frame " : " frame ") << frame << " of " << duration
-                  << "\x1b[K" << std::flush;
+        for (const Track& track : player)
+            print_lamp(track.value(), range, lamps);
+        std::cout << "frame " << frame << " of " << duration << "\x1b[K" << std::flush;
         std::this_thread::sleep_until(start + frameTime * static_cast<double>(count + 1));
     }
     std::cout << "\r\x1b[K\x1b[?25h" << std::flush;
 }
 
-void run(const Options& options) {
+int run(const Options& options) {
     const std::vector<Step> steps = build(options);
     const Animation& result = steps[3].animation;
-    if (!options.svg.empty()) {
-        std::ofstream file(options.svg);
-        write_svg(file, "A rotation with a flash, looped", result);
-        file.close();
-        if (!file)
-            throw std::invalid_argument("cannot write " + options.svg);
-    }
-    const bool terminal = isatty(STDOUT_FILENO) != 0;
-    const bool coloured = terminal && std::getenv("NO_COLOR") == nullptr;
-    for (std::size_t i = 0; i < steps.size(); ++i) {
-        std::cout << i + 1 << ". " << steps[i].title << '\n';
-        print_timeline(std::cout, steps[i].animation, 100, coloured);
+    if (!options.svg.empty())
+        write_file(options.svg, [&](std::ostream& out) {
+            write_svg(out, "A rotation with a flash, looped", result);
+        });
+    int number = 0;
+    for (const Step& step : steps) {
+        std::cout << ++number << ". " << step.title << '\n';
+        print_timeline(std::cout, step.animation, terminal_width(), coloured());
         std::cout << '\n';
     }
     std::cout << "0>1 is a Transition, 1 a Hold, ~ a Wait\n";
-    if (options.play && terminal)
-        play(result, coloured);
-    else if (options.play)
-        std::cout << "(--play needs a terminal)\n";
+    if (options.play && !on_terminal()) {
+        std::cerr << "demo: --play needs a terminal\n";
+        return 1;
+    }
+    if (options.play)
+        play(result);
+    return 0;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    try {
-        const std::vector<std::string_view> args(argv + 1, argv + argc);
-        if (std::ranges::find(args, "--help") != args.end())
-            std::cout << usage;
-        else
-            run(parse(args));
-        return std::cout.flush() ? EXIT_SUCCESS : EXIT_FAILURE;
-    } catch (const std::exception& error) {
-        std::cerr << "demo: " << error.what() << '\n';
-        return 2;
-    }
+    CLI::App app("A light that travels around eight outputs, edited step by step.", "demo");
+    Options options;
+    describe(app, options);
+    return run_program(app, argc, argv, [&] { return run(options); });
 }

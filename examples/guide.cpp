@@ -1,6 +1,6 @@
 // The program of docs/guide.md; writes its pictures into the folder that it is given.
 
-#include "Timeline.h"
+#include "Picture.h"
 
 #include <animationmodel/Rotation.h>
 

@@ -1,0 +1,26 @@
+#!/bin/sh
+# demo.sh PROGRAM: how the demo takes its arguments, and what it says when it cannot do as told.
+set -eu
+demo=$1
+expect() { # status, what is said first on stderr, arguments
+    status=$1 said=$2
+    shift 2
+    got=0
+    text=$("$demo" "$@" 2>&1 >/dev/null) || got=$?
+    [ "$got" = "$status" ] && case $text in "$said"*) return ;; esac
+    echo "demo $*: status $got, \"$text\"; expected $status, \"$said\"" >&2
+    exit 1
+}
+expect 0 '' -h
+expect 0 '' +1 -1 +2
+expect 2 'demo: PULSE: cannot be "nan"' nan
+expect 2 'demo: FALL: cannot be "-3"' 1 0 4 -3
+expect 2 'demo: STEP: cannot be "4294967296"' 1 0 4 10 4294967296
+expect 2 'demo: --svg: ' --svg
+expect 2 'demo: --svg: needs a file' --svg --play
+expect 2 'demo: --svg: needs a file' --svg ''
+expect 2 'demo: cannot write ./none/a.svg: No such file' --svg ./none/a.svg
+expect 1 'demo: --play needs a terminal' --play
+
+! "$demo" >/dev/full 2>/dev/null || exit 1
+[ "$("$demo" | wc -L)" -le 80 ]
