@@ -1,45 +1,39 @@
 #include "Program.h"
 
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <stdexcept>
-#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
 
-volatile std::sig_atomic_t interrupted = 0;
-
-int run_program(CLI::App& app, int argc, char** argv, const std::function<int()>& body) {
-    const auto refusal = [](const CLI::App* program, const CLI::Error& error) {
-        return program->get_name() + ": " + error.what() + "\n";
+int run_program(CLI::App& app, int argc, char** argv, const std::function<void()>& body) {
+    const auto complain = [&](const std::exception& error, int status) {
+        std::cerr << app.get_name() << ": " << error.what() << '\n';
+        return status;
     };
-    app.failure_message(refusal);
-    int status = 0;
     try {
         app.parse(argc, argv);
-        status = body();
-    } catch (const CLI::ParseError& error) {
-        status = app.exit(error) == 0 ? 0 : 2;
+        body();
+        if (!std::cout.flush())
+            throw Failure("cannot write the standard output");
+        return 0;
+    } catch (const CLI::CallForHelp& help) {
+        return app.exit(help);
+    } catch (const Failure& error) {
+        return complain(error, 1);
     } catch (const std::exception& error) {
-        std::cerr << app.get_name() << ": " << error.what() << '\n';
-        return 2;
+        return complain(error, 2);
     }
-    if (std::cout.flush())
-        return status;
-    std::cerr << app.get_name() << ": cannot write the standard output\n";
-    return 1;
 }
 
-const CLI::Validator file_name(
+const CLI::Validator given(
     [](const std::string& text) {
-        return text.empty() || text[0] == '-' ? "needs a file, not \"" + text + "\"" : "";
+        return text.empty() || text[0] == '-' ? "needs a word, not \"" + text + "\"" : "";
     },
-    "FILE");
+    "");
 
 void write_file(const std::string& path, const std::function<void(std::ostream&)>& write) {
     std::error_code error;
@@ -63,22 +57,4 @@ void write_file(const std::string& path, const std::function<void(std::ostream&)
             fs::remove(draft, error);
         throw;
     }
-}
-
-bool on_terminal() {
-    return isatty(STDOUT_FILENO) != 0;
-}
-
-unsigned int terminal_width() {
-    winsize size{};
-    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
-}
-
-bool coloured() {
-    return on_terminal() && std::getenv("NO_COLOR") == nullptr;
-}
-
-void catch_interrupts() {
-    std::signal(SIGINT, [](int) { interrupted = 1; });
-    std::signal(SIGTERM, [](int) { interrupted = 1; });
 }

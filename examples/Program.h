@@ -2,30 +2,22 @@
 
 #include <CLI/CLI.hpp>
 
-#include <csignal>
 #include <functional>
 #include <ostream>
+#include <stdexcept>
 #include <string>
 
-/// Parses the arguments and runs `body`, and returns its status: 2 with one line that says why if
-/// either throws, 1 if the standard output cannot be written.
-int run_program(CLI::App& app, int argc, char** argv, const std::function<int()>& body);
+/// What a program that was asked for the right thing could not do.
+struct Failure : std::runtime_error {
+    using runtime_error::runtime_error;
+};
 
-/// Refuses an empty name of a file, and an option in its place.
-extern const CLI::Validator file_name;
+/// Parses the arguments, runs `body` and returns the status: 0, or with one line that says why 1
+/// for a Failure, also to write the standard output, and 2 for all else that is thrown.
+int run_program(CLI::App& app, int argc, char** argv, const std::function<void()>& body);
+
+/// Refuses an empty word, and an option in the place of one.
+extern const CLI::Validator given;
 
 /// Writes a file whole or not at all; throws std::runtime_error if it cannot be written.
 void write_file(const std::string& path, const std::function<void(std::ostream&)>& write);
-
-/// Whether the standard output is a terminal.
-bool on_terminal();
-
-/// Columns of the terminal; 80 where there is none.
-unsigned int terminal_width();
-
-/// Whether text may be coloured: on a terminal, unless NO_COLOR is set.
-bool coloured();
-
-/// From now on SIGINT and SIGTERM set `interrupted` instead of ending the program.
-void catch_interrupts();
-extern volatile std::sig_atomic_t interrupted;

@@ -61,6 +61,8 @@ public:
     std::string parts(const Animation& animation) const {
         std::string row(columns, ' ');
         const auto mark = [&](unsigned int begin, unsigned int end, const std::string& name) {
+            if (begin == end)
+                return;
             std::fill(row.begin() + begin / scale, row.begin() + (end + scale - 1) / scale, '=');
             if ((end - begin) / scale >= name.size())
                 row.replace(begin / scale, name.size(), name);

@@ -36,12 +36,13 @@ std::string measures(const Kiv::Animation& animation);
 unsigned int ruler_step(unsigned int least);
 
 /// Calls `visit` with each key of a layer and the frame on which it begins.
-template <class Visit>
-void for_each_key(const Kiv::KeyVector& layer, const Visit& visit) {
+template <class Layer, class Visit>
+void for_each_key(Layer& layer, const Visit& visit) {
     unsigned int begin = 0;
-    for (const Kiv::AnimationKey& key : layer) {
+    for (auto& key : layer) {
+        const unsigned int end = begin + key.duration; // should `visit` change it
         visit(key, begin);
-        begin += key.duration;
+        begin = end;
     }
 }
 

@@ -3,6 +3,7 @@
 #include "Picture.h"
 #include "Player.h"
 #include "Program.h"
+#include "Terminal.h"
 #include "Timeline.h"
 
 #include <animationmodel/Rotation.h>
@@ -44,7 +45,7 @@ void describe(CLI::App& app, Options& options) {
     app.add_flag("--play", options.play,
                  "then plays the result on eight lights in the terminal, until Ctrl-C");
     app.add_option("--svg", options.svg, "also writes the result as a picture that plays")
-        ->check(file_name);
+        ->check(given);
     app.add_option("PULSE", options.pulse, "the value that each output rises to (1)")
         ->check(finite);
     app.add_option("REST", options.rest, "the value that it falls back to (0)")->check(finite);
@@ -139,7 +140,7 @@ void play(const Animation& animation) {
     std::cout << "\r\x1b[K\x1b[?25h" << std::flush;
 }
 
-int run(const Options& options) {
+void run(const Options& options) {
     const std::vector<Step> steps = build(options);
     const Animation& result = steps[3].animation;
     if (!options.svg.empty())
@@ -153,13 +154,10 @@ int run(const Options& options) {
         std::cout << '\n';
     }
     std::cout << "0>1 is a Transition, 1 a Hold, ~ a Wait\n";
-    if (options.play && !on_terminal()) {
-        std::cerr << "demo: --play needs a terminal\n";
-        return 1;
-    }
+    if (options.play && !on_terminal())
+        throw Failure("--play needs a terminal");
     if (options.play)
         play(result);
-    return 0;
 }
 
 } // namespace
@@ -168,5 +166,5 @@ int main(int argc, char** argv) {
     CLI::App app("A light that travels around eight outputs, edited step by step.", "demo");
     Options options;
     describe(app, options);
-    return run_program(app, argc, argv, [&] { return run(options); });
+    return run_program(app, argc, argv, [&] { run(options); });
 }

@@ -65,8 +65,8 @@ TEST(AnimationTest, CopiesFillAndMovesDoNot) {
     copy.layers["a"][0].command.args[0] = 7;
     EXPECT_EQ(copy, animation("a: H7:10; b: H2:4 W:6 | 3 2"));
     EXPECT_NE(source, copy);
-    other = animation("a: H1:5; b: | 3 3"); // moved, overlap and all
-    EXPECT_EQ(other, animation("a: H1:5; b: | 3 3"));
+    other = animation("a: H1:5; b:  | 3 3"); // moved, overlap and all
+    EXPECT_EQ(other, animation("a: H1:5; b:  | 3 3"));
     other.fps = 10;
     Animation& self = other;
     self = std::move(other);

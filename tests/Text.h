@@ -39,9 +39,9 @@ inline Animation animation(const std::string& text) {
     Animation result;
     const auto bar = text.find(" | ");
     std::istringstream parts(text.substr(0, bar));
-    for (std::string name, layer; std::getline(parts >> std::ws, name, ':');) {
-        std::getline(parts, layer, ';');
-        result.layers[name] = keys(layer);
+    for (std::string part; std::getline(parts >> std::ws, part, ';');) {
+        const auto colon = part.find(": ");
+        result.layers[part.substr(0, colon)] = keys(part.substr(colon + 1));
     }
     if (bar != std::string::npos)
         std::istringstream(text.substr(bar + 3)) >> result.introSize >> result.outroSize;

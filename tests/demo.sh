@@ -17,8 +17,8 @@ expect 2 'demo: PULSE: cannot be "nan"' nan
 expect 2 'demo: FALL: cannot be "-3"' 1 0 4 -3
 expect 2 'demo: STEP: cannot be "4294967296"' 1 0 4 10 4294967296
 expect 2 'demo: --svg: ' --svg
-expect 2 'demo: --svg: needs a file' --svg --play
-expect 2 'demo: --svg: needs a file' --svg ''
+expect 2 'demo: --svg: needs a word' --svg --play
+expect 2 'demo: --svg: needs a word' --svg ''
 expect 2 'demo: cannot write ./none/a.svg: No such file' --svg ./none/a.svg
 expect 1 'demo: --play needs a terminal' --play
 

@@ -1,0 +1,171 @@
+#include "Recording.h"
+
+#include "Terminal.h"
+
+#include <charconv>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+#include <string_view>
+
+using namespace Kiv;
+
+namespace {
+
+constexpr unsigned int most = std::numeric_limits<unsigned int>::max();
+
+struct Channel {
+    /// Shows `to` from frame `now` on.
+    void change(unsigned int now, const AnimationKeyCommand& to) {
+        if (to == shown)
+            return;
+        if (now > since && !keys->empty() && keys->back().command == shown)
+            keys->back().duration += now - since;
+        else if (now > since)
+            keys->emplace_back(shown, now - since);
+        shown = to;
+        since = now;
+    }
+
+    KeyVector* keys;
+    AnimationKeyCommand shown = NoValue;
+    unsigned int since = 0;
+};
+
+/// Makes an animation of the lines of a recording.
+struct Reader {
+    void read(std::string_view line) {
+        line.remove_suffix(line.ends_with('\r') ? 1 : 0);
+        if (++lines == 1 && line != "OLA Show")
+            throw std::runtime_error("a recording begins with \"OLA Show\"");
+        if (lines > 1 && lines % 2 == 0)
+            readValues(line);
+        else if (lines > 1)
+            now += take_number(line, '\0', mostFrames - 1 - now, "a time in milliseconds");
+    }
+
+    Animation finish() {
+        for (auto& [number, row] : channels)
+            for (Channel& channel : row)
+                channel.change(std::max(now, sent + 1), Wait);
+        return std::move(show);
+    }
+
+    void readValues(std::string_view line) {
+        if (line.find(' ') == std::string_view::npos)
+            throw std::runtime_error("a universe needs a space and values behind it");
+        const unsigned int universe = take_number(line, ' ', most, "a universe");
+        std::vector<Channel>& row = channels[universe];
+        unsigned int count = 0;
+        for (; !line.empty() && count < 512; ++count) {
+            const auto value = static_cast<float>(take_number(line, ',', 255, "a value"));
+            if (count == row.size())
+                row.push_back({&show.layers[channel_name(universe, count + 1)]});
+            row[count].change(now, {Hold, {value}});
+        }
+        if (!line.empty())
+            throw std::runtime_error("a universe has no more than 512 values");
+        for (; count < row.size(); ++count)
+            row[count].change(now, NoValue);
+        sent = now;
+    }
+
+    Animation show = Animation(1000);
+    std::map<unsigned int, std::vector<Channel>> channels;
+    std::size_t lines = 0;
+    unsigned int now = 0;
+    unsigned int sent = 0; ///< When the last values were.
+};
+
+} // namespace
+
+unsigned int take_number(std::string_view& text, char behind, unsigned int greatest,
+                         const char* name) {
+    const std::string_view word = text.substr(0, text.find(behind));
+    unsigned int number = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+    if (error != std::errc() || end != word.data() + word.size() || number > greatest)
+        throw std::runtime_error(std::string(name) + " cannot be \"" + std::string(word) + "\"");
+    text.remove_prefix(std::min(text.size(), word.size() + 1));
+    return number;
+}
+
+std::string channel_name(unsigned int universe, unsigned int channel) {
+    std::string digits = std::to_string(universe);
+    digits.insert(0, universe > 9999 ? 10 - digits.size() : 4 - digits.size(), '0');
+    digits.insert(0, universe > 9999 ? 1 : 0, ':'); // which sorts behind all digits
+    return digits.append(".").append(std::to_string(1000 + channel).substr(1));
+}
+
+Animation read_recording(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::error_code unknown; // where it is no regular file
+    const auto size = static_cast<double>(std::filesystem::file_size(path, unknown));
+    Progress progress{"reading " + path};
+    Reader reader;
+    double done = 0;
+    for (std::string line; std::getline(file, line);) {
+        progress.at(done += static_cast<double>(line.size() + 1), size);
+        try {
+            reader.read(line);
+        } catch (const std::runtime_error& error) {
+            throw std::runtime_error(path + ":" + std::to_string(reader.lines) + ": " +
+                                     error.what());
+        }
+    }
+    if (reader.lines == 0 || file.bad())
+        throw std::runtime_error(path + ":1: cannot be read, or is empty");
+    return reader.finish();
+}
+
+Console::Console(const LayerMap& layers) : player(layers) {
+    for (const Track& track : player) {
+        std::string_view name = track.name();
+        name.remove_prefix(name.starts_with(':') ? 1 : 0);
+        const unsigned int universe = take_number(name, '.', most, "a universe");
+        places.emplace_back(universe, take_number(name, '\0', 512, "a channel") - 1);
+    }
+}
+
+const Universes& Console::seek(unsigned int frame) {
+    player.seek(frame);
+    next = most;
+    for (auto& [number, values] : universes)
+        values.clear();
+    for (std::size_t i = 0; i < player.size(); ++i) {
+        next = std::min(next, player[i].nextChange());
+        std::vector<std::uint8_t>& values = universes[places[i].first];
+        if (const auto value = player[i].value()) {
+            values.resize(places[i].second + 1);
+            values.back() = static_cast<std::uint8_t>(std::lround(std::clamp(*value, 0.F, 255.F)));
+        }
+    }
+    return universes;
+}
+
+void write_recording(std::ostream& out, const Animation& show) {
+    Progress progress{"writing"};
+    Console console(show.layers);
+    Universes last;
+    const unsigned int end = show.durationInFrames();
+    unsigned int written = 0; // the frame of the last line of values
+    std::string text = "OLA Show\n";
+    for (unsigned int frame = 0; frame < end; frame = console.next) {
+        for (const auto& [number, values] : console.seek(frame)) {
+            if (!last.empty() && values == last[number])
+                continue;
+            if (!last.empty())
+                text += std::to_string(frame - written) + "\n";
+            text += std::to_string(number) + (values.empty() ? " " : "");
+            for (std::size_t i = 0; i < values.size(); ++i)
+                text.append(1, i == 0 ? ' ' : ',').append(std::to_string(values[i]));
+            text += "\n";
+            last[number] = values;
+            written = frame;
+        }
+        out << std::exchange(text, {});
+        progress.at(frame, end);
+    }
+    out << text << (end > 0 ? std::to_string(end - written) + "\n" : "");
+}

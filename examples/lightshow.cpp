@@ -1,0 +1,201 @@
+// Edits recorded light shows: reads one, applies the edits in the order given, writes or plays it.
+
+#include "Picture.h"
+#include "Program.h"
+#include "Recording.h"
+#include "Terminal.h"
+#include "Timeline.h"
+#include "play.h"
+
+#include <animationmodel/Rotation.h>
+
+#include <charconv>
+#include <cmath>
+#include <iostream>
+
+using namespace Kiv;
+
+namespace {
+
+/// Milliseconds, which are frames, or seconds: "1500", "1.5s".
+struct Time {
+    explicit Time(const std::string& word) {
+        double time = 0;
+        const std::string_view unit =
+            std::from_chars(word.data(), word.data() + word.size(), time).ptr;
+        time = std::round(unit == "s" ? time * 1000 : time);
+        if (unit == word || (unit != "" && unit != "s") || !(time >= 0 && time <= mostFrames))
+            throw std::runtime_error("a time such as 1500 or 1.5s cannot be \"" + word + "\"");
+        frames = static_cast<unsigned int>(time);
+    }
+    operator unsigned int() const { return frames; }
+    unsigned int frames;
+};
+
+template <unsigned int greatest>
+struct Number {
+    explicit Number(std::string_view word) : value(take_number(word, '\0', greatest, "a number")) {}
+    operator unsigned int() const { return value; }
+    unsigned int value;
+};
+
+unsigned int length(Time from, Time to) {
+    if (from >= to)
+        throw std::runtime_error("TO has to come behind FROM");
+    return to - from;
+}
+
+void rotation(Animation& show, Number<255> pulse, Number<255> rest, Time rise, Time fall,
+              Time step) {
+    show = Rotation(static_cast<float>(pulse), static_cast<float>(rest), rise, fall, step);
+    show.fps = 1000;
+    for (unsigned int channel = 1; channel <= 8; ++channel) {
+        auto layer = show.layers.extract("FaceLed" + std::to_string(channel - 1));
+        layer.key() = channel_name(1, channel);
+        show.layers.insert(std::move(layer));
+    }
+}
+
+/// Where the recording laid over it sends nothing, the show goes on: keys end there.
+void override_with(Animation& show, const std::string& file, Time at) {
+    Animation other = read_recording(file);
+    const unsigned int duration = show.durationInFrames();
+    for (auto& [name, layer] : other.layers) {
+        show.fillInLayer(name, duration);
+        unsigned int end = at;
+        for (AnimationKey& key : layer) {
+            if (key.command.effect == NoValue) {
+                key.command.effect = Wait;
+                show.removeInLayer(name, end, 0);
+            }
+            end += key.duration;
+        }
+        show.removeInLayer(name, end, 0);
+    }
+    show.overrideLayersWith(other, at);
+}
+
+/// Moves the ends of the keys apart or together; a key that then lasts no millisecond is gone.
+void last(Animation& show, Time frames) {
+    const std::uint64_t before = std::max(1U, show.durationInFrames());
+    const auto moved = [=](std::uint64_t frame) {
+        return static_cast<unsigned int>(frame * frames / before);
+    };
+    for (auto& [name, layer] : show.layers) {
+        for_each_key(layer, [&](AnimationKey& key, unsigned int begin) {
+            key.duration = moved(std::uint64_t{begin} + key.duration) - moved(begin);
+        });
+        std::erase_if(layer, [](const AnimationKey& key) { return key.duration == 0; });
+    }
+    show.introSize = moved(show.introSize);
+    show.outroSize = moved(show.outroSize);
+}
+
+void write(const Animation& show, const std::string& file) {
+    write_file(file, [&](std::ostream& out) { write_recording(out, show); });
+}
+
+void split(const Animation& show, Time step, const std::string& prefix) {
+    std::vector<Animation> pieces = show.splitEach(step, true, true);
+    std::erase_if(pieces, [](const Animation& piece) { return piece.empty(); });
+    const std::size_t width = std::to_string(pieces.size()).size();
+    for (std::size_t i = 1; i <= pieces.size(); ++i) {
+        const std::string number = std::to_string(i);
+        write(pieces[i - 1], prefix + std::string(width - number.size(), '0') + number);
+    }
+}
+
+void draw(const Animation& show, const std::string& file) {
+    write_file(file, [&](std::ostream& out) { write_svg(out, "A light show", show); });
+}
+
+using Actions = std::vector<std::function<void(Animation&)>>;
+
+/// Has an option add an action: `act`, with the words behind the option for arguments.
+template <class Show, class... Words>
+void add(CLI::App& app, Actions& actions, const char* name, const char* words, const char* help,
+         void (*act)(Show, Words...)) {
+    const auto take = [&actions, act](const std::vector<std::string>& given) {
+        auto word = given.begin();
+        const std::tuple<std::decay_t<Words>...> arguments{std::decay_t<Words>(*word++)...};
+        actions.emplace_back(
+            [=](Animation& show) { std::apply(act, std::tuple_cat(std::tie(show), arguments)); });
+    };
+    app.add_option_function<std::vector<std::string>>(name, take, help)
+        ->expected(sizeof...(Words))
+        ->type_name(words)
+        ->check(given)
+        ->trigger_on_parse();
+}
+
+void run(Actions inputs, const Actions& edits, const Actions& outputs) {
+    if (inputs.size() != 1)
+        throw std::runtime_error("needs a FILE or --rotation, and not both");
+    Animation show(1000);
+    inputs.insert(inputs.end(), edits.begin(), edits.end());
+    for (const auto& change : inputs) {
+        change(show);
+        const std::uint64_t frames = show.durationInFrames();
+        if (frames > mostFrames || std::uint64_t{show.introSize} + show.outroSize > frames)
+            throw std::runtime_error("the show is too long, or too short for intro and outro");
+    }
+    for (const auto& output : outputs)
+        output(show);
+    if (outputs.empty())
+        print_timeline(std::cout, show, terminal_width(), coloured());
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app("Edits recorded light shows. A time is milliseconds, or seconds with an s.",
+                 "lightshow");
+    Actions inputs;
+    Actions edits;
+    Actions outputs;
+    unsigned int rate = 40;
+    add(
+        app, inputs, "FILE", "", "a recording of ola_recorder",
+        +[](Animation& show, const std::string& file) { show = read_recording(file); });
+    add(app, inputs, "--rotation", "PULSE REST RISE FALL STEP",
+        "instead: the preset on channels 1 to 8 of universe 1", rotation);
+    add(
+        app, edits, "--keep", "FROM TO", "keeps what lies between",
+        +[](Animation& show, Time from, Time to) {
+            show.remove(from + length(from, to), mostFrames);
+            show.remove(0, from);
+        });
+    add(
+        app, edits, "--remove", "FROM TO", "removes what lies between",
+        +[](Animation& show, Time from, Time to) { show.remove(from, length(from, to)); });
+    add(
+        app, edits, "--insert", "FILE AT", "inserts a recording",
+        +[](Animation& show, const std::string& file, Time at) {
+            show.insert(read_recording(file), at);
+        });
+    add(
+        app, edits, "--append", "FILE", "appends a recording",
+        +[](Animation& show, const std::string& file) {
+            show.pushBack(read_recording(file), true, true);
+        });
+    add(app, edits, "--override", "FILE AT", "lays a recording over", override_with);
+    add(
+        app, edits, "--intro", "T", "the first T do not loop",
+        +[](Animation& show, Time size) { show.introSize = size; });
+    add(
+        app, edits, "--outro", "T", "the last T do not loop",
+        +[](Animation& show, Time size) { show.outroSize = size; });
+    add(
+        app, edits, "--loop", "N", "plays N times what lies between intro and outro",
+        +[](Animation& show, Number<mostFrames> count) { show = show.loop(count, false, false); });
+    add(app, edits, "--last", "T", "plays faster or slower, to last T", last);
+    add(app, outputs, "--write", "FILE", "writes a recording", write);
+    add(app, outputs, "--split", "T PREFIX", "writes PREFIX1, PREFIX2 ... of T each", split);
+    add(app, outputs, "--svg", "FILE", "draws a picture that plays", draw);
+    app.add_flag_callback(
+        "--play",
+        [&] { outputs.emplace_back([&rate](const Animation& show) { play(show, rate); }); },
+        "plays by the olad of this machine");
+    app.add_option("--rate", rate, "frames a second to play (40)")->check(CLI::Range(1, 1000));
+    return run_program(app, argc, argv, [&] { run(inputs, edits, outputs); });
+}

@@ -1,0 +1,48 @@
+#include "play.h"
+
+#include "Program.h"
+#include "Recording.h"
+#include "Terminal.h"
+
+#include <chrono>
+#include <ola/DmxBuffer.h>
+#include <ola/Logging.h>
+#include <ola/client/StreamingClient.h>
+#include <thread>
+
+namespace {
+
+/// Sends what the channels show on one frame; those without a value are dark.
+void send(ola::client::StreamingClient& daemon, const Universes& universes) {
+    for (const auto& [number, values] : universes) {
+        ola::DmxBuffer buffer;
+        buffer.Blackout();
+        buffer.SetRange(0, values.data(), static_cast<unsigned int>(values.size()));
+        if (!daemon.SendDmx(number, buffer))
+            throw Failure("olad went away");
+    }
+}
+
+} // namespace
+
+void play(const Kiv::Animation& show, unsigned int rate) {
+    ola::InitLogging(ola::OLA_LOG_NONE, ola::OLA_LOG_STDERR);
+    std::signal(SIGPIPE, SIG_IGN); // `send` notices when the daemon is gone
+    catch_interrupts();
+    ola::client::StreamingClient::Options options;
+    options.auto_start = false;
+    ola::client::StreamingClient daemon(options);
+    if (!daemon.Setup())
+        throw Failure("no olad answers on this machine; is it running?");
+
+    Console console(show.layers);
+    const unsigned int end = show.durationInFrames(); // milliseconds
+    const auto start = std::chrono::steady_clock::now();
+    unsigned int frame = 0;
+    for (std::uint64_t count = 1; interrupted == 0 && frame < end; ++count) {
+        send(daemon, console.seek(frame));
+        frame = static_cast<unsigned int>(std::min<std::uint64_t>(count * 1000 / rate, end));
+        std::this_thread::sleep_until(start + std::chrono::milliseconds(frame));
+    }
+    send(daemon, console.seek(end));
+}

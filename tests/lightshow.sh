@@ -1,0 +1,67 @@
+#!/bin/sh
+# lightshow.sh PROGRAM: what each edit of lightshow makes of a small recording, and what it refuses.
+set -eu
+lightshow=$1
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cd "$folder"
+printf 'OLA Show\n1 10,20\n100\n1 30\n50\n' >a
+printf 'OLA Show\n1 9\n0\n2 7\n20\n2 8\n20\n' >b
+
+fail() {
+    echo "lightshow $1" >&2
+    exit 1
+}
+makes() { # what is written, on one line, then the arguments
+    expected=$1
+    shift
+    "$lightshow" "$@" --write out
+    got=$(sed 1d out | tr '\n' ' ')
+    [ "$got" = "$expected " ] || fail "$*: $got instead of $expected"
+}
+makes '1 10,20 100 1 30 50' a
+makes '1 10,20 50 1 30 20' a --keep 50 120
+makes '1 10,20 50 1 30 50' a --keep 0.05s 1s
+makes '1 10,20 50 1 30 30' a --remove 50 120
+makes '1 10,20 50 1 9 0 2 7 20 2 8 20 1 10,20 0 2  50 1 30 50' a --insert b 50
+makes '1 10,20 100 1 30 50 1  20 1 9 0 2 7 20 2 8 20' a --insert b 170
+makes '1 10,20 100 1 30 50 1 9 0 2 7 20 2 8 20' a --append b
+makes '1 10,20 50 1 9,20 0 2 7 20 2 8 20 1 10,20 0 2  10 1 30 50' a --override b 50
+makes '1 10,20 100 1 30 20 1 10,20 60 1 30 50' a --intro 40 --outro 30 --loop 2
+makes '1 10,20 100 1 30 20 1 10,20 100 1 30 20' a --keep 0 120 --loop 2
+makes '1 10,20 100 1 30 20' a --loop 2 --keep 0 120
+makes '1 10,20 40 1 30 20 1 10,20 40 1 30 20' a --last 60 --loop 2
+makes '1 10,20 40 1 30 20' a --loop 2 --last 0.12s --keep 0 60
+makes '1 0,0,0,0,0,0,0,0 1 1 128,0,0,0,0,0,0,0 1 1 255,128,0,0,0,0,0,0 1' --rotation 255 0 2 2 1 --keep 0 3
+makes '1 255,128,0,0,0,0,0,0 1 1 128,255,128,0,0,0,0,0 1' --rotation 255 0 2 2 1 --keep 2 4
+
+"$lightshow" a --append a --split 80 piece --svg a.svg
+for piece in 1=10,20:80 2=10,20:20:30:50:10,20:10 3=10,20:80 4=10,20:10:30:50; do
+    got=$(sed 1d "piece${piece%%=*}" | sed 's/^1 //' | tr '\n' ':')
+    [ "$got" = "${piece#*=}:" ] || fail "--split: $piece, $got"
+done
+[ ! -e piece5 ] && grep -q '<svg' a.svg || fail 'writes the wrong files'
+"$lightshow" a | grep -q '^0001.002 |20 ' || fail 'draws no timeline'
+
+refuses() { # status, what is said, then the arguments
+    status=$1 said=$2
+    shift 2
+    echo old >out
+    got=0
+    text=$("$lightshow" "$@" --write out 2>&1) || got=$?
+    [ "$got" = "$status" ] && [ "$text" = "lightshow: $said" ] && [ "$(cat out)" = old ] ||
+        fail "$*: status $got, $text"
+}
+printf 'OLA Show\n1 10,20\n100\n1 300\n' >bad
+refuses 2 'bad:4: a value cannot be "300"' bad
+refuses 2 'bad:4: a value cannot be "300"' a --append bad
+refuses 2 'needs a FILE or --rotation, and not both' --loop 2
+refuses 2 'needs a FILE or --rotation, and not both' a --rotation 255 0 1 1 1
+refuses 2 'TO has to come behind FROM' a --remove 30 30
+refuses 2 'a time such as 1500 or 1.5s cannot be "1.5m"' a --last 1.5m
+refuses 2 'a number cannot be "256"' --rotation 255 256 1 1 1
+refuses 2 'the show is too long, or too short for intro and outro' a --intro 90 --outro 90
+refuses 2 'cannot write none/b: No such file or directory' a --write none/b
+ln -s a link
+"$lightshow" b --write link
+[ -L link ] && cmp -s a b || fail 'replaces a link'
