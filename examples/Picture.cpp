@@ -1,18 +1,40 @@
 #include "Picture.h"
 
+#include "Player.h"
 #include "Timeline.h"
 
 #include <algorithm>
-#include <string>
+#include <cmath>
+#include <cstdint>
 
 using namespace Kiv;
 
 namespace {
 
-constexpr int leftEdge = 84;    ///< Pixels left of frame 0, for the names.
-constexpr int trackWidth = 900; ///< Pixels for the whole duration.
-constexpr int laneHeight = 22;
-constexpr int titleHeight = 58;
+constexpr int pageWidth = 800;
+constexpr int margin = 16;
+constexpr int laneHeight = 24;
+constexpr int signWidth = 7; ///< Of a small letter or digit.
+
+// A page of its own colour: a picture does not know what it stands on.
+constexpr const char* style = R"(<style>
+text { font: 12px "DejaVu Sans", sans-serif; fill: #e6edf3; }
+.title { font-weight: bold; font-size: 16px; }
+.note, .name, .tick, .none { fill: #aab4c0; }
+.lamp, .tick, .part, .none, .hold { text-anchor: middle; }
+.to { text-anchor: end; }
+text.lamp, .tick, .part, .none, .hold, .from, .to { font-size: 11px; }
+.page { fill: #12161f; }
+rect.part { fill: #58a6ff; fill-opacity: .2; }
+text.part { fill: #79b8ff; }
+path.tick { stroke: #aab4c0; }
+.key, circle { stroke: #6b7ba8; stroke-opacity: .7; }
+rect.none { fill: none; stroke: #8c959f; stroke-dasharray: 3 3; }
+.bright { fill: #1b1b1b; }
+.dim { fill: #ffffff; }
+.now { fill: #ff7b72; }
+</style>
+)";
 
 std::string escaped(const std::string& text) {
     std::string result;
@@ -21,42 +43,60 @@ std::string escaped(const std::string& text) {
     return result;
 }
 
+int width_of(const std::string& text) {
+    return signWidth * static_cast<int>(text.size());
+}
+
 /// Draws an animation; all coordinates are whole numbers, so that every machine draws the same.
 class Drawing {
 public:
     Drawing(std::ostream& out, const Animation& animation)
         : out(out), animation(animation), range(animation),
-          duration(std::max(1U, animation.durationInFrames())) {}
-
-    int height() const { return lanes() + titleHeight + 26; }
+          duration(std::max(1U, animation.durationInFrames())) {
+        for (const auto& [name, layer] : animation.layers)
+            longest = std::max(longest, width_of(name));
+        left = margin + std::min(longest, pageWidth / 4) + 12;
+        perRow = small() ? 32 : longest > 40 ? 8 : 16;
+        lanes = 60 + (count() + perRow - 1) / perRow * lampHeight() + 24;
+        height = lanes + laneHeight * count() + 58;
+    }
 
     void draw(const std::string& title) {
-        text(0, 16, "title", title);
-        text(0, 36, "note", measures(animation));
+        out << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " << pageWidth << ' '
+            << height << "\" width=\"" << pageWidth << "\" height=\"" << height << "\">\n"
+            << style << "<rect class=\"page\" width=\"" << pageWidth << "\" height=\"" << height
+            << "\" rx=\"8\"/>\n";
+        text(margin, 28, "title", title);
+        text(margin, 48, "note", measures(animation));
         part(0, std::min(animation.introSize, duration), "intro");
         part(animation.outroStartFrame(), animation.durationInFrames(), "outro");
-        int y = titleHeight + 2;
+        int index = 0;
         for (const auto& [name, layer] : animation.layers) {
-            text(0, y + 13, "name", name);
-            for_each_key(
-                layer, [&](const AnimationKey& key, unsigned int begin) { block(key, begin, y); });
-            y += laneHeight;
+            lamp(index, name, layer);
+            const int y = lanes + laneHeight * index++;
+            text(margin, y + 15, "name", name);
+            for_each_key(layer, [this, y](const AnimationKey& key, unsigned int begin) {
+                block(key, begin, y);
+            });
         }
-        const unsigned int step = ruler_step((duration + 14) / 15);
-        for (std::uint64_t frame = 0; frame <= duration; frame += step) {
-            out << "<path class=\"tick\" d=\"M" << at(frame) << ' ' << y << "v4\"/>\n";
-            text(at(frame), y + 15, "tick", std::to_string(frame));
-        }
+        ruler(lanes + laneHeight * count());
+        text(margin, height - 12, "note",
+             "Colours and numbers are values: two for a Transition, one for a Hold. Dashed: Wait "
+             "or NoValue.");
+        out << "</svg>\n";
     }
 
 private:
-    int lanes() const { return laneHeight * static_cast<int>(animation.layers.size()); }
+    int count() const { return static_cast<int>(animation.layers.size()); }
+    bool small() const { return count() > 32; } ///< Whether lamps are small and have no names.
+    int lampHeight() const { return small() ? 24 : 60; }
 
     int at(std::uint64_t frame) const {
-        return leftEdge + static_cast<int>(frame * trackWidth / duration);
+        return left + static_cast<int>(
+                          frame * static_cast<unsigned int>(pageWidth - margin - left) / duration);
     }
 
-    void text(int x, int y, const char* kind, const std::string& words) {
+    void text(int x, int y, const std::string& kind, const std::string& words) {
         out << "<text class=\"" << kind << "\" x=\"" << x << "\" y=\"" << y << "\">"
             << escaped(words) << "</text>\n";
     }
@@ -64,87 +104,128 @@ private:
     void part(unsigned int begin, unsigned int end, const char* name) {
         if (begin >= end)
             return;
-        out << "<rect class=\"part\" x=\"" << at(begin) << "\" y=\"" << titleHeight - 12
-            << "\" width=\"" << at(end) - at(begin) << "\" height=\"" << lanes() + 14 << "\"/>\n";
-        text((at(begin) + at(end)) / 2, titleHeight - 3, "part", name);
+        out << "<rect class=\"part\" x=\"" << at(begin) << "\" y=\"" << lanes - 15 << "\" width=\""
+            << at(end) - at(begin) << "\" height=\"" << laneHeight * count() + 15 << "\"/>\n";
+        text((at(begin) + at(end)) / 2, lanes - 5, "part", name);
+    }
+
+    std::string colour(std::optional<float> value) const {
+        const Colour shown = value ? colour_of(range.level(*value)) : Colour{43, 47, 58};
+        std::string text = "rgb(";
+        for (const int part : {shown.red, shown.green, shown.blue})
+            text.append(std::to_string(part)).push_back(',');
+        text.back() = ')';
+        return text;
+    }
+
+    /// Changes an attribute while the animation plays, if it does.
+    void animate(const char* attribute, const std::string& values, const std::string& times) {
+        const float seconds = animation.durationInSeconds();
+        if (seconds > 0 && std::isfinite(seconds))
+            out << "<animate attributeName=\"" << attribute << "\" dur=\"" << number(seconds, 6)
+                << "s\" repeatCount=\"indefinite\" values=\"" << values << "\" keyTimes=\"" << times
+                << "\"/>";
+    }
+
+    /// The part of the duration that is over at `frame`: 0 to 1.
+    std::string time_of(unsigned int frame) const {
+        const auto millionths = std::uint64_t{frame} * 1000000 / duration;
+        const std::string digits = std::to_string(1000000 + millionths);
+        return digits.substr(0, 1) == "2" ? "1" : digits.substr(1).insert(0, 1, '.');
+    }
+
+    void lamp(int index, const std::string& name, const KeyVector& layer) {
+        const int inRow = std::min(perRow, count() - index / perRow * perRow);
+        const int pitch = (pageWidth - 2 * margin) / perRow;
+        const int x = pageWidth / 2 + (2 * (index % perRow) + 1 - inRow) * pitch / 2;
+        const int y = (small() ? 72 : 80) + index / perRow * lampHeight();
+        std::string values;
+        std::string times;
+        const auto add = [&](std::optional<float> value, unsigned int frame) {
+            values.append(values.empty() ? "" : ";").append(colour(value));
+            times.append(times.empty() ? "" : ";").append(time_of(frame));
+        };
+        unsigned int end = 0;
+        for_each_key(layer, [&](const AnimationKey& key, unsigned int begin) {
+            const auto& args = key.command.args;
+            end = begin + key.duration;
+            add(args.empty() ? std::nullopt : std::optional(args[0]), begin);
+            add(args.empty() ? std::nullopt : std::optional(args[args.size() - 1]), end);
+        });
+        if (end < duration) {
+            add(std::nullopt, end);
+            add(std::nullopt, duration);
+        }
+        out << "<circle cx=\"" << x << "\" cy=\"" << y << "\" r=\"" << (small() ? 8 : 16)
+            << "\" fill=\"" << colour(Track(name, layer).value()) << "\">";
+        animate("fill", values, times);
+        out << "</circle>\n";
+        if (!small())
+            text(x, y + 32, "lamp", name);
     }
 
     void block(const AnimationKey& key, unsigned int begin, int y) {
         const int x = at(begin);
-        const int width = std::max(1, at(std::uint64_t{begin} + key.duration) - x - 1);
+        const int width = at(std::uint64_t{begin} + key.duration) - x - 1;
         const auto& args = key.command.args;
-        int level = 0;
-        std::string fill;
-        if (!args.empty()) {
-            level = (range.level(args[0]) + range.level(args[args.size() - 1])) / 2;
-            fill = rgb(range.level(args[0]));
-        }
-        if (args.size() > 1 && args[0] != args[1]) {
+        const bool moves = args.size() > 1 && args[0] != args[1];
+        if (width < 0) // another key begins there
+            return;
+        std::string fill = args.empty() ? "" : colour(args[0]);
+        if (moves) {
             const std::string id =
-                std::string("g").append(std::to_string(y)) + "-" + std::to_string(begin);
+                std::to_string(y).insert(0, 1, 'g') + "-" + std::to_string(begin);
             out << "<linearGradient id=\"" << id << "\"><stop stop-color=\"" << fill
-                << "\"/><stop offset=\"1\" stop-color=\"" << rgb(range.level(args[1]))
+                << "\"/><stop offset=\"1\" stop-color=\"" << colour(args[1])
                 << "\"/></linearGradient>\n";
             fill = "url(#" + id + ")";
         }
-        out << "<rect x=\"" << x << "\" y=\"" << y << "\" width=\"" << width << "\" height=\""
-            << laneHeight - 4 << "\" rx=\"2\" " << (fill.empty() ? "class=\"none" : "fill=\"")
-            << fill << "\"><title>" << key.duration << " frames from " << begin
-            << "</title></rect>\n";
-        const std::string words = key.command.effect == Wait      ? "Wait"
-                                  : key.command.effect == NoValue ? "NoValue"
-                                  : args.size() > 1 ? label(args[0]) + ">" + label(args[1])
-                                                    : label(args[0]);
-        if (static_cast<int>(words.size()) * 7 + 2 <= width)
-            text(x + width / 2, y + 13,
-                 fill.empty()  ? "on-none"
-                 : level > 110 ? "on-bright"
-                               : "on-dim",
-                 words);
+        out << "<rect x=\"" << x << "\" y=\"" << y << "\" width=\"" << std::max(1, width)
+            << "\" height=\"" << laneHeight - 4 << "\" rx=\"2\" class=\""
+            << (fill.empty() ? "none" : "key\" fill=\"") << fill << "\"><title>" << key.duration
+            << " frames from " << begin << "</title></rect>\n";
+        const std::string first =
+            args.empty() ? key.command.effect == Wait ? "Wait" : "NoValue" : label(args[0]);
+        const std::string second = moves ? label(args[1]) : "";
+        if (width_of(first + second) + (moves ? 8 : 2) > width)
+            return;
+        if (args.empty())
+            text(x + width / 2, y + 14, "none", first);
+        else
+            text(moves ? x + 3 : x + width / 2, y + 14,
+                 std::string(moves ? "from " : "hold ").append(on(args[0])), first);
+        if (moves)
+            text(x + width - 3, y + 14, std::string("to ").append(on(args[1])), second);
     }
 
-    static std::string rgb(int level) {
-        const Colour colour = colour_of(level);
-        return "rgb(" + std::to_string(colour.red) + "," + std::to_string(colour.green) + "," +
-               std::to_string(colour.blue) + ")";
+    /// How to write over the colour of a value.
+    std::string on(float value) const { return range.level(value) > 110 ? "bright" : "dim"; }
+
+    void ruler(int y) {
+        const unsigned int step = ruler_step((duration + 11) / 12);
+        for (std::uint64_t frame = 0; frame <= duration; frame += step) {
+            out << "<path class=\"tick\" d=\"M" << at(frame) << ' ' << y << "v4\"/>\n";
+            text(at(frame), y + 15, "tick", std::to_string(frame));
+        }
+        out << "<rect class=\"now\" x=\"" << left << "\" y=\"" << lanes - 4
+            << "\" width=\"1\" height=\"" << laneHeight * count() + 8 << "\">";
+        animate("x", std::to_string(left) + ";" + std::to_string(at(duration)), "0;1");
+        out << "</rect>\n";
     }
 
     std::ostream& out;
     const Animation& animation;
     ValueRange range;
     unsigned int duration;
+    int longest = 0; ///< The longest name.
+    int left = 0;    ///< Where frame 0 is.
+    int lanes = 0;   ///< Where the first lane is.
+    int height = 0;
+    int perRow = 0; ///< Lamps.
 };
 
 } // namespace
 
 void write_svg(std::ostream& out, const std::string& title, const Animation& animation) {
-    Drawing drawing(out, animation);
-    const int height = drawing.height();
-    const int width = leftEdge + trackWidth + 16;
-    out << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " << width << ' ' << height
-        << "\" width=\"" << width << "\" height=\"" << height << R"(">
-<style>
-text { font: 12px "DejaVu Sans", sans-serif; fill: #24292f; }
-.title { font-weight: bold; font-size: 15px; }
-.note, .tick, .name { fill: #57606a; }
-text.tick, text.part, .on-none, .on-bright, .on-dim { text-anchor: middle; font-size: 11px; }
-.on-bright { fill: #1b1b1b; }
-.on-dim { fill: #ffffff; }
-rect.part { fill: #0969da; fill-opacity: .16; }
-text.part { fill: #0969da; }
-path.tick { stroke: #57606a; }
-.none { fill: none; stroke: #8c959f; stroke-dasharray: 3 3; }
-.on-none { fill: #57606a; }
-@media (prefers-color-scheme: dark) {
-text { fill: #e6edf3; }
-.note, .tick, .name, .on-none { fill: #9da7b3; }
-rect.part { fill: #58a6ff; fill-opacity: .22; }
-text.part { fill: #58a6ff; }
-.on-bright { fill: #1b1b1b; }
-.on-dim { fill: #ffffff; }
-}
-</style>
-)";
-    drawing.draw(title);
-    out << "</svg>\n";
+    Drawing(out, animation).draw(title);
 }

@@ -131,7 +131,7 @@ int ValueRange::level(float value) const {
 
 Colour colour_of(int level) {
     const auto between = [level](int from, int to) { return from + (to - from) * level / 255; };
-    return {between(32, 255), between(48, 209), between(96, 102)};
+    return {between(44, 255), between(64, 209), between(128, 102)};
 }
 
 std::string number(float value, int digits) {
