@@ -1,6 +1,8 @@
 // The program of docs/guide.md; writes its pictures into the folder that it is given.
 
 #include "Picture.h"
+#include "Player.h"
+#include "Recording.h"
 
 #include <animationmodel/Rotation.h>
 
@@ -16,6 +18,14 @@ std::string folder;
 void picture(const std::string& name, const std::string& title, const Animation& animation) {
     std::ofstream file(folder + "/" + name);
     write_svg(file, title, animation);
+}
+
+/// What a console sent: dark, one light, a chase of three, all dimmed.
+Animation recording() {
+    std::ofstream(folder + "/recorded") << "OLA Show\n1 0,0,0,0\n500\n1 255,0,0,0\n1000\n"
+                                           "1 80,255,0,0\n500\n1 80,0,255,0\n500\n"
+                                           "1 80,0,0,255\n500\n1 40,40,40,40\n500\n";
+    return read_recording(folder + "/recorded");
 }
 
 } // namespace
@@ -83,13 +93,23 @@ int main(int argc, char** argv) {
     const std::vector<Animation> parts = door.splitAt(15, /*keepIntro=*/true, /*keepOutro=*/true);
     door = parts.back(); // the last sound of the bell
 
-    unsigned int frame = 0;
-    for (const AnimationKey& key : light.layer("status")) {
-        std::cout << "at " << static_cast<float>(frame) / light.fps << " s:";
-        for (const float value : key.command.args)
-            std::cout << ' ' << value;
-        std::cout << '\n';
-        frame += key.duration;
+    Player player(light.layers);
+    for (unsigned int frame = 0; frame < light.durationInFrames(); ++frame) {
+        player.seek(frame);
+        for (const Track& lamp : player)
+            if (const auto value = lamp.value())
+                std::cout << frame << ": " << lamp.name() << " shows " << *value << '\n';
+            else
+                std::cout << frame << ": " << lamp.name() << " is dark\n";
     }
+
+    Animation show = recording();
+    show.remove(3000, 1000); // the out point: nothing behind 3 s
+    show.remove(0, 500);     // the in point: 0.5 s later
+    show.introSize = 1000;   // this happens only once
+    show = show.loop(2, /*repeatIntro=*/false, /*repeatOutro=*/false);
+    std::ofstream file(folder + "/edited");
+    write_recording(file, show);
+    picture("guide-11.svg", "A recorded show, edited", show);
     // The guide ends here.
 }
