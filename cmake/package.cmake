@@ -29,7 +29,8 @@ Builds, edits, loops, cuts and splits animations of named layers of keys, for
 programs that drive lights and robots. This package holds the headers, the
 CMake package and the pkg-config file.")
 
-# What Debian wants to find beside each package.
+# What Debian wants to find beside each package. The time is that of SOURCE_DATE_EPOCH.
+string(TIMESTAMP changelog_date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(cmake/debian-changelog.in doc/changelog @ONLY)
 execute_process(COMMAND gzip -9n INPUT_FILE "${CMAKE_CURRENT_BINARY_DIR}/doc/changelog"
     OUTPUT_FILE "${CMAKE_CURRENT_BINARY_DIR}/doc/changelog.gz" COMMAND_ERROR_IS_FATAL ANY)
