@@ -6,19 +6,18 @@ using namespace Kiv;
 
 namespace {
 
-/// The cursor primitives, on a layer of 4, 6 and 5 frames.
-struct Cursor : Animation {
-    KeyVector layer = keys("H1:4 T0,60:6 H3:5"), out;
-    KeyVector::iterator it = layer.begin();
+/// A cursor at the start of a layer of 4, 6 and 5 frames.
+struct LayerCursorTest : testing::Test, Animation {
+    const KeyVector all = keys("H1:4 T0,60:6 H3:5");
+    KeyVector layer, out;
+    KeyVector::iterator it;
     unsigned int frame = 0;
 
-    Cursor& go(unsigned int target) { return _goToFrame(frame, it, target, layer), *this; }
-    Cursor& goToEnd() { return _iterateOnLayer(frame, it, 0, layer, true, nullptr), *this; }
-    Cursor& copy(unsigned int target) { return _subLayer(frame, it, target, layer, out), *this; }
-    Cursor& copyTail() { return _tailLayer(frame, it, layer, out), *this; }
-    Cursor& drop(unsigned int to) { return _removeKeysOnTheWay(frame, it, to, layer), *this; }
-    Cursor& remove(unsigned int start, unsigned int count) {
-        return _removeKeys(frame, it, layer, start, count), *this;
+    void restart() {
+        layer = all;
+        out.clear();
+        it = layer.begin();
+        frame = 0;
     }
     void expect(unsigned int expectedFrame, const KeyVector& before, const KeyVector& behind) {
         EXPECT_EQ(frame, expectedFrame);
@@ -27,41 +26,44 @@ struct Cursor : Animation {
     }
 };
 
-TEST(LayerCursorTest, WalksStopOnTheKeyUnderTheTarget) {
-    const KeyVector all = Cursor().layer;
+TEST_F(LayerCursorTest, WalksStopOnTheKeyUnderTheTarget) {
     for (unsigned int target = 0; target < 20; ++target) {
         const auto passed = all.begin() + (target >= 4) + (target >= 10) + (target >= 15);
         const KeyVector before(all.begin(), passed), behind(passed, all.end());
-        const unsigned int frame = Animation::durationInFramesOf(before);
-        Cursor cursor;
-        cursor.go(target).expect(frame, before, behind);
-        cursor.goToEnd().expect(15, all, {});
-        Cursor().drop(target).expect(frame, {}, behind);
-        Cursor copying;
-        copying.copy(target).expect(frame, before, behind);
-        EXPECT_EQ(copying.out, before);
-        copying.copyTail().expect(15, all, {});
-        EXPECT_EQ(copying.out, all);
+        const unsigned int end = durationInFramesOf(before);
+        restart();
+        _goToFrame(frame, it, target, layer);
+        expect(end, before, behind);
+        _iterateOnLayer(frame, it, 0, layer, true, nullptr);
+        expect(15, all, {});
+        restart();
+        _subLayer(frame, it, target, layer, out);
+        expect(end, out, behind);
+        _tailLayer(frame, it, layer, out);
+        expect(15, out, {});
+        restart();
+        _removeKeysOnTheWay(frame, it, target, layer);
+        expect(end, {}, behind);
     }
 }
 
 /// What is removed is what the public operation removes, from a cursor on any key before.
-TEST(LayerCursorTest, RemoveKeysCutsBothEnds) {
+TEST_F(LayerCursorTest, RemoveKeysCutsBothEnds) {
     for (unsigned int start = 0; start < 18; ++start)
         for (const unsigned int count : {0U, 1U, 2U, 3U, 5U, 6U, 9U, 20U, 4294967295U})
             for (const unsigned int from : {0U, start}) {
-                Animation whole;
-                whole.layers["a"] = Cursor().layer;
-                whole.removeInLayer("a", start, count);
-                const std::vector<Animation> parts = whole.splitAt(start, false, false);
-                const auto expected = [&](std::size_t i) {
-                    return parts[i].empty() ? KeyVector() : parts[i].layer("a");
-                };
-                const unsigned int walked = Cursor().go(count > 20 ? 15 : start + count).frame;
-                Cursor()
-                    .go(from)
-                    .remove(start, count)
-                    .expect(std::max(walked, std::min(start, 15U)), expected(0), expected(1));
+                layers["a"] = all;
+                removeInLayer("a", start, count);
+                LayerMap parts[3];
+                introSize = start;
+                introBodyOutroLayers(parts[0], parts[1], parts[2]);
+                restart();
+                _goToFrame(frame, it, count > 20 ? 15 : start + count, layer);
+                const unsigned int end = std::max(frame, std::min(start, 15U));
+                restart();
+                _goToFrame(frame, it, from, layer);
+                _removeKeys(frame, it, layer, start, count);
+                expect(end, parts[0]["a"], parts[1]["a"]);
             }
 }
 

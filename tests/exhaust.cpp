@@ -22,17 +22,6 @@ std::vector<KeyVector> rows(bool anyEffects) {
     return all;
 }
 
-Subject subject(const LayerMap& layers, unsigned int intro, unsigned int outro) {
-    Subject result;
-    result.animation.layers = layers;
-    result.model.layers = {layers.begin(), layers.end()};
-    result.animation.introSize = intro;
-    result.animation.outroSize = outro;
-    result.model.introSize = intro;
-    result.model.outroSize = outro;
-    return result;
-}
-
 /// What each operation uses: frames, counts, both flags, sizes, keys, and other animations.
 const char* const uses[operations] = {"fk",  "fk", "k",  "f",   "fc",   "fk",  "fso", "fso", "bso",
                                       "fcs", "fo", "cs", "cbs", "fcbs", "cbs", "fc",  "fc"};
@@ -47,23 +36,25 @@ void exhaust(const LayerMap& layers, unsigned long& calls) {
         const auto limit = [&](char use, unsigned int most) {
             return std::strchr(uses[operation], use) != nullptr ? most : 1;
         };
-        unsigned int limits[] = {limit('f', range),     limit('c', range),     limit('b', 4),
-                                 limit('s', range - 1), limit('s', range - 1), limit('k', 3),
-                                 limit('o', 3)};
-        unsigned int at[std::size(limits)] = {};
-        for (std::size_t place = 0; place < std::size(limits);) {
-            Subject it = subject(layers, at[3], at[4]);
-            Subject other = subject(at[6] == 1 ? some : others, at[6], 0);
+        const unsigned int limits[] = {limit('f', range),     limit('c', range),     limit('b', 4),
+                                       limit('s', range - 1), limit('s', range - 1), limit('k', 3),
+                                       limit('o', 3)};
+        unsigned int at[7] = {};
+        for (std::size_t place = 0; place < 7;) {
+            Subject it, other;
+            it.animation.layers = layers;
+            it.model.layers = {layers.begin(), layers.end()};
+            it.animation.introSize = static_cast<unsigned int>(it.model.introSize = at[3]);
+            it.animation.outroSize = static_cast<unsigned int>(it.model.outroSize = at[4]);
+            other.animation.layers = at[6] == 1 ? some : others;
+            other.model.layers = {other.animation.layers.begin(), other.animation.layers.end()};
             const Step step{operation, at[0], at[1], at[2] % 2 > 0,
                             at[2] > 1, "a",   "",    given[at[5]]};
             const std::string fault =
                 run_step(it, at[6] == 0 ? it : other, step, Check::Frames, calls);
-            if (!fault.empty()) {
-                std::printf("%s: operation %u with %u %u\n", fault.c_str(), operation, at[0],
-                            at[1]);
-                std::exit(1);
-            }
-            for (place = 0; place < std::size(limits) && ++at[place] == limits[place]; ++place)
+            if (!fault.empty())
+                throw std::logic_error(fault + " of operation " + std::to_string(operation));
+            for (place = 0; place < 7 && ++at[place] == limits[place]; ++place)
                 at[place] = 0; // counts on
         }
     }
@@ -73,14 +64,10 @@ void exhaust(const LayerMap& layers, unsigned long& calls) {
 
 int main() {
     unsigned long animations = 0, calls = 0;
-    const auto run = [&](const LayerMap& layers) {
-        exhaust(layers, calls);
-        ++animations;
-    };
     for (const KeyVector& row : rows(true))
-        run({{"a", row}});
+        exhaust({{"a", row}}, calls), ++animations;
     for (const KeyVector& a : rows(false))
         for (const KeyVector& b : rows(false))
-            run({{"a", a}, {"b", b}});
+            exhaust({{"a", a}, {"b", b}}, calls), ++animations;
     std::printf("%lu animations, %lu calls as the model says\n", animations, calls);
 }
