@@ -162,6 +162,7 @@ void run(const Options& options) {
 
 } // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): only memory can run out before run_program
 int main(int argc, char** argv) {
     CLI::App app("A light that travels around eight outputs, edited step by step.", "demo");
     Options options;

@@ -24,13 +24,15 @@ struct Time {
         const std::string_view unit =
             std::from_chars(word.data(), word.data() + word.size(), time).ptr;
         time = std::round(unit == "s" ? time * 1000 : time);
-        if (unit == word || (unit != "" && unit != "s") || !(time >= 0 && time <= mostFrames))
+        if (unit == word || (!unit.empty() && unit != "s") || !(time >= 0 && time <= mostFrames))
             throw std::runtime_error("a time such as 1500 or 1.5s cannot be \"" + word + "\"");
         frames = static_cast<unsigned int>(time);
     }
     operator unsigned int() const { return frames; }
     unsigned int frames;
 };
+
+using File = std::string;
 
 template <unsigned int greatest>
 struct Number {
@@ -49,15 +51,13 @@ void rotation(Animation& show, Number<255> pulse, Number<255> rest, Time rise, T
               Time step) {
     show = Rotation(static_cast<float>(pulse), static_cast<float>(rest), rise, fall, step);
     show.fps = 1000;
-    for (unsigned int channel = 1; channel <= 8; ++channel) {
-        auto layer = show.layers.extract("FaceLed" + std::to_string(channel - 1));
-        layer.key() = channel_name(1, channel);
-        show.layers.insert(std::move(layer));
-    }
+    unsigned int channel = 0;
+    for (const auto& [name, layer] : std::exchange(show.layers, {}))
+        show.layers[channel_name(1, ++channel)] = layer;
 }
 
 /// Where the recording laid over it sends nothing, the show goes on: keys end there.
-void override_with(Animation& show, const std::string& file, Time at) {
+void override_with(Animation& show, const File& file, Time at) {
     Animation other = read_recording(file);
     const unsigned int duration = show.durationInFrames();
     for (auto& [name, layer] : other.layers) {
@@ -91,7 +91,7 @@ void last(Animation& show, Time frames) {
     show.outroSize = moved(show.outroSize);
 }
 
-void write(const Animation& show, const std::string& file) {
+void write_show(const Animation& show, const File& file) {
     write_file(file, [&](std::ostream& out) { write_recording(out, show); });
 }
 
@@ -100,29 +100,36 @@ void split(const Animation& show, Time step, const std::string& prefix) {
     std::erase_if(pieces, [](const Animation& piece) { return piece.empty(); });
     const std::size_t width = std::to_string(pieces.size()).size();
     for (std::size_t i = 1; i <= pieces.size(); ++i) {
-        const std::string number = std::to_string(i);
-        write(pieces[i - 1], prefix + std::string(width - number.size(), '0') + number);
+        std::string number = std::to_string(i);
+        number.insert(0, width - number.size(), '0');
+        write_show(pieces[i - 1], prefix + number);
     }
 }
 
-void draw(const Animation& show, const std::string& file) {
+void draw(const Animation& show, const File& file) {
     write_file(file, [&](std::ostream& out) { write_svg(out, "A light show", show); });
 }
 
-using Actions = std::vector<std::function<void(Animation&)>>;
+using Action = std::function<void(Animation&)>;
+using Actions = std::vector<Action>;
+using Given = std::vector<std::string>;
 
-/// Has an option add an action: `act`, with the words behind the option for arguments.
+/// `act` with the words behind an option for arguments.
 template <class Show, class... Words>
-void add(CLI::App& app, Actions& actions, const char* name, const char* words, const char* help,
-         void (*act)(Show, Words...)) {
-    const auto take = [&actions, act](const std::vector<std::string>& given) {
-        auto word = given.begin();
-        const std::tuple<std::decay_t<Words>...> arguments{std::decay_t<Words>(*word++)...};
-        actions.emplace_back(
-            [=](Animation& show) { std::apply(act, std::tuple_cat(std::tie(show), arguments)); });
+Action action(void (*act)(Show, Words...), const Given& given) {
+    auto word = given.begin();
+    const std::tuple<std::decay_t<Words>...> arguments{std::decay_t<Words>(*word++)...};
+    return [=](Animation& show) { std::apply(act, std::tuple_cat(std::tie(show), arguments)); };
+}
+
+/// Has an option add an action each time that it is given.
+void add(CLI::App& app, Actions& actions, const std::string& name, const std::string& words,
+         const char* help, auto act) {
+    const auto take = [&actions, act](const Given& given) {
+        actions.push_back(action(+act, given));
     };
-    app.add_option_function<std::vector<std::string>>(name, take, help)
-        ->expected(sizeof...(Words))
+    app.add_option_function<Given>(name, take, help)
+        ->expected(static_cast<int>(1 + std::ranges::count(words, ' ')))
         ->type_name(words)
         ->check(given)
         ->trigger_on_parse();
@@ -147,6 +154,7 @@ void run(Actions inputs, const Actions& edits, const Actions& outputs) {
 
 } // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): only memory can run out before run_program
 int main(int argc, char** argv) {
     CLI::App app("Edits recorded light shows. A time is milliseconds, or seconds with an s.",
                  "lightshow");
@@ -154,42 +162,30 @@ int main(int argc, char** argv) {
     Actions edits;
     Actions outputs;
     unsigned int rate = 40;
-    add(
-        app, inputs, "FILE", "", "a recording of ola_recorder",
-        +[](Animation& show, const std::string& file) { show = read_recording(file); });
+    add(app, inputs, "FILE", "", "a recording of ola_recorder",
+        [](Animation& show, const File& file) { show = read_recording(file); });
     add(app, inputs, "--rotation", "PULSE REST RISE FALL STEP",
         "instead: the preset on channels 1 to 8 of universe 1", rotation);
-    add(
-        app, edits, "--keep", "FROM TO", "keeps what lies between",
-        +[](Animation& show, Time from, Time to) {
+    add(app, edits, "--keep", "FROM TO", "keeps what lies between",
+        [](Animation& show, Time from, Time to) {
             show.remove(from + length(from, to), mostFrames);
             show.remove(0, from);
         });
-    add(
-        app, edits, "--remove", "FROM TO", "removes what lies between",
-        +[](Animation& show, Time from, Time to) { show.remove(from, length(from, to)); });
-    add(
-        app, edits, "--insert", "FILE AT", "inserts a recording",
-        +[](Animation& show, const std::string& file, Time at) {
-            show.insert(read_recording(file), at);
-        });
-    add(
-        app, edits, "--append", "FILE", "appends a recording",
-        +[](Animation& show, const std::string& file) {
-            show.pushBack(read_recording(file), true, true);
-        });
+    add(app, edits, "--remove", "FROM TO", "removes what lies between",
+        [](Animation& show, Time from, Time to) { show.remove(from, length(from, to)); });
+    add(app, edits, "--insert", "FILE AT", "inserts a recording",
+        [](Animation& show, const File& file, Time at) { show.insert(read_recording(file), at); });
+    add(app, edits, "--append", "FILE", "appends a recording",
+        [](Animation& show, const File& file) { show.pushBack(read_recording(file), true, true); });
     add(app, edits, "--override", "FILE AT", "lays a recording over", override_with);
-    add(
-        app, edits, "--intro", "T", "the first T do not loop",
-        +[](Animation& show, Time size) { show.introSize = size; });
-    add(
-        app, edits, "--outro", "T", "the last T do not loop",
-        +[](Animation& show, Time size) { show.outroSize = size; });
-    add(
-        app, edits, "--loop", "N", "plays N times what lies between intro and outro",
-        +[](Animation& show, Number<mostFrames> count) { show = show.loop(count, false, false); });
+    add(app, edits, "--intro", "T", "the first T do not loop",
+        [](Animation& show, Time size) { show.introSize = size; });
+    add(app, edits, "--outro", "T", "the last T do not loop",
+        [](Animation& show, Time size) { show.outroSize = size; });
+    add(app, edits, "--loop", "N", "plays N times what lies between intro and outro",
+        [](Animation& show, Number<mostFrames> count) { show = show.loop(count, false, false); });
     add(app, edits, "--last", "T", "plays faster or slower, to last T", last);
-    add(app, outputs, "--write", "FILE", "writes a recording", write);
+    add(app, outputs, "--write", "FILE", "writes a recording", write_show);
     add(app, outputs, "--split", "T PREFIX", "writes PREFIX1, PREFIX2 ... of T each", split);
     add(app, outputs, "--svg", "FILE", "draws a picture that plays", draw);
     app.add_flag_callback(

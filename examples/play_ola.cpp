@@ -29,9 +29,7 @@ void play(const Kiv::Animation& show, unsigned int rate) {
     ola::InitLogging(ola::OLA_LOG_NONE, ola::OLA_LOG_STDERR);
     std::signal(SIGPIPE, SIG_IGN); // `send` notices when the daemon is gone
     catch_interrupts();
-    ola::client::StreamingClient::Options options;
-    options.auto_start = false;
-    ola::client::StreamingClient daemon(options);
+    ola::client::StreamingClient daemon(/*auto_start=*/false);
     if (!daemon.Setup())
         throw Failure("no olad answers on this machine; is it running?");
 
@@ -45,4 +43,6 @@ void play(const Kiv::Animation& show, unsigned int rate) {
         std::this_thread::sleep_until(start + std::chrono::milliseconds(frame));
     }
     send(daemon, console.seek(end));
+    // Were the connection closed at once, this last frame could be lost with it.
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
 }
