@@ -28,7 +28,7 @@ Values cut(const Animation& animation, unsigned int frame) {
 }
 
 TEST(PlayerTest, PlaysWhatACutWouldBeginWith) {
-    const Animation show = animation("a: T0.1,0.7:7 H3:2 N:3 E9:1 T-5,1e30:3; b: W:4 T1,1:2 H0:1; "
+    const Animation show = animation("a: T0.1,0.7:7 H3:2 N:3 E9:1 T1,0:4; b: W:4 T1,1:2 H0:1; "
                                      "c: T0,255:11 T255,0.3:9; d: ");
     const unsigned int duration = show.durationInFrames();
     Player onwards(show.layers);
@@ -40,23 +40,13 @@ TEST(PlayerTest, PlaysWhatACutWouldBeginWith) {
             jumping.seek(frame);
             EXPECT_EQ(values(jumping), values(onwards)) << from << " to " << frame;
         }
+        for (Track track : onwards) {
+            const auto value = track.value();
+            track.seek(std::min(duration, track.nextChange()) - 1);
+            EXPECT_EQ(track.value(), value) << frame << " changes unannounced";
+        }
     }
     EXPECT_EQ(values(onwards), Values(4)) << "past the end";
-}
-
-TEST(PlayerTest, StopsShortOfWhereATransitionLeads) {
-    const Animation show = animation("a: T1,0:4 H5:2 N:1");
-    const Values expected = {1, 0.75F, 0.5F, 0.25F, 5, 5, std::nullopt, std::nullopt};
-    Track track("a", show.layers.at("a"));
-    unsigned int change = 0;
-    for (unsigned int frame = 0; frame < expected.size(); ++frame) {
-        track.seek(frame);
-        EXPECT_EQ(track.value(), expected[frame]) << frame;
-        if (frame > 0 && expected[frame] != expected[frame - 1]) {
-            EXPECT_EQ(change, frame) << "is announced";
-        }
-        change = track.nextChange();
-    }
 }
 
 } // namespace

@@ -45,31 +45,4 @@ TEST(RecordingTest, IsReadAndWrittenWithoutLoss) {
     }
 }
 
-TEST(RecordingTest, SaysWhereAFileIsNone) {
-    std::string channels = "1 ";
-    for (int channel = 0; channel < 513; ++channel)
-        channels += "0,";
-    const std::pair<std::string, std::string> rows[] = {
-        {"", "1: cannot be read, or is empty"},
-        {"OLA show\n", "1: a recording begins with \"OLA Show\""},
-        {"OLA Show\n1\n", "2: a universe needs a space and values behind it"},
-        {"OLA Show\n-1 0\n", "2: a universe cannot be \"-1\""},
-        {"OLA Show\n4294967296 0\n", "2: a universe cannot be \"4294967296\""},
-        {"OLA Show\n1 0\n40\n1 0,256", "4: a value cannot be \"256\""},
-        {"OLA Show\n1 0,,1\n", "2: a value cannot be \"\""},
-        {"OLA Show\n1 0 1\n", "2: a value cannot be \"0 1\""},
-        {"OLA Show\n" + channels, "2: a universe has no more than 512 values"},
-        {"OLA Show\n1 0\n1 0\n", "3: a time in milliseconds cannot be \"1 0\""},
-        {"OLA Show\n1 0\n2147483647\n", "3: a time in milliseconds cannot be \"2147483647\""},
-        {"OLA Show\n1 0\n\n", "3: a time in milliseconds cannot be \"\""},
-    };
-    for (const auto& [text, reason] : rows)
-        try {
-            read(text);
-            ADD_FAILURE() << text;
-        } catch (const std::runtime_error& error) {
-            EXPECT_EQ(error.what(), testing::TempDir() + "recording:" + reason);
-        }
-}
-
 } // namespace

@@ -7,67 +7,65 @@ using namespace Kiv;
 
 namespace {
 
-/// Every row of up to three keys of 1 to 3 frames: of any effects, or of those that their places
-/// give them.
-std::vector<KeyVector> rows(bool anyEffects) {
-    const AnimationKeyCommand commands[] = {{Transition, {0, 1}}, Wait, {Hold, {2}}, NoValue};
-    std::vector<KeyVector> all{{}};
-    for (std::size_t i = 0; i < all.size() && all[i].size() < 3; ++i)
-        for (unsigned int duration = 1; duration <= 3; ++duration)
-            for (std::size_t effect = 0; effect < 4; ++effect)
-                if (anyEffects || effect == all[i].size()) {
-                    all.push_back(all[i]);
-                    all.back().emplace_back(commands[effect], duration);
-                }
-    return all;
-}
+/// Makes choices; each time around others, until all were made.
+struct Choices {
+    std::vector<std::pair<unsigned int, unsigned int>> made; ///< Which one, of how many.
+    std::size_t next = 0;
+
+    unsigned int take(unsigned int limit) {
+        if (next == made.size())
+            made.emplace_back(0, limit);
+        return made[next++].first;
+    }
+    bool again() {
+        for (next = 0; !made.empty() && ++made.back().first == made.back().second;)
+            made.pop_back();
+        return !made.empty();
+    }
+};
 
 /// What each operation uses: frames, counts, both flags, sizes, keys, and other animations.
 const char* const uses[operations] = {"fk",  "fk", "k",  "f",   "fc",   "fk",  "fso", "fso", "bso",
                                       "fcs", "fo", "cs", "cbs", "fcbs", "cbs", "fc",  "fc"};
 
-/// Every call on one animation, with each argument up to just past its range.
-void exhaust(const LayerMap& layers, unsigned long& calls) {
-    const LayerMap none, some = animation("a: H4:2 W:1").layers,
-                         others = animation("b: T0,9:1 N:2; c: H7:1").layers;
-    const KeyVector given[] = {{}, keys("H9:2"), keys("W:1 T0,9:2 W:1 H8:1")};
-    const unsigned int range = Animation::durationInFramesOf(layers) + 3;
-    for (unsigned int operation = 0; operation < operations; ++operation) {
-        const auto limit = [&](char use, unsigned int most) {
-            return std::strchr(uses[operation], use) != nullptr ? most : 1;
-        };
-        const unsigned int limits[] = {limit('f', range),     limit('c', range),     limit('b', 4),
-                                       limit('s', range - 1), limit('s', range - 1), limit('k', 3),
-                                       limit('o', 3)};
-        unsigned int at[7] = {};
-        for (std::size_t place = 0; place < 7;) {
-            Subject it, other;
-            it.animation.layers = layers;
-            it.model.layers = {layers.begin(), layers.end()};
-            it.animation.introSize = static_cast<unsigned int>(it.model.introSize = at[3]);
-            it.animation.outroSize = static_cast<unsigned int>(it.model.outroSize = at[4]);
-            other.animation.layers = at[6] == 1 ? some : others;
-            other.model.layers = {other.animation.layers.begin(), other.animation.layers.end()};
-            const Step step{operation, at[0], at[1], at[2] % 2 > 0,
-                            at[2] > 1, "a",   "",    given[at[5]]};
-            const std::string fault =
-                run_step(it, at[6] == 0 ? it : other, step, Check::Frames, calls);
-            if (!fault.empty())
-                throw std::logic_error(fault + " of operation " + std::to_string(operation));
-            for (place = 0; place < 7 && ++at[place] == limits[place]; ++place)
-                at[place] = 0; // counts on
-        }
-    }
-}
-
 } // namespace
 
 int main() {
-    unsigned long animations = 0, calls = 0;
-    for (const KeyVector& row : rows(true))
-        exhaust({{"a", row}}, calls), ++animations;
-    for (const KeyVector& a : rows(false))
-        for (const KeyVector& b : rows(false))
-            exhaust({{"a", a}, {"b", b}}, calls), ++animations;
-    std::printf("%lu animations, %lu calls as the model says\n", animations, calls);
+    const AnimationKeyCommand commands[] = {{Transition, {0, 1}}, Wait, {Hold, {2}}, NoValue};
+    const LayerMap others[] = {
+        {}, animation("a: H4:2 W:1").layers, animation("b: T0,9:1 N:2; c: H7:1").layers};
+    const KeyVector given[] = {{}, keys("H9:2"), keys("W:1 T0,9:2 W:1 H8:1")};
+    unsigned long calls = 0;
+    Choices choices;
+    do {
+        Subject it, other;
+        auto& layers = it.animation.layers;
+        const unsigned int count = choices.take(2); // besides the first layer
+        for (const char* name : {"a", "b"})
+            for (unsigned int i = name[0] - 'a' > count ? 0 : choices.take(4); i > 0; --i)
+                layers[name].emplace_back(commands[count > 0 ? i : choices.take(4)],
+                                          choices.take(3) + 1);
+        Step step{choices.take(operations), 0, 0, false, false, "a", "", {}};
+        const auto take = [&](char use, unsigned int limit) {
+            return std::strchr(uses[step.operation], use) != nullptr ? choices.take(limit) : 0;
+        };
+        const unsigned int range = it.animation.durationInFrames() + 3;
+        step.frame = take('f', range);
+        step.count = take('c', range);
+        step.first = take('b', 2) > 0;
+        step.second = take('b', 2) > 0;
+        step.keys = given[take('k', 3)];
+        it.animation.introSize = take('s', range - 1);
+        it.animation.outroSize = take('s', range - 1);
+        it.model.introSize = it.animation.introSize;
+        it.model.outroSize = it.animation.outroSize;
+        it.model.layers = {layers.begin(), layers.end()};
+        const unsigned int from = take('o', 3);
+        other.animation.layers = others[from];
+        other.model.layers = {others[from].begin(), others[from].end()};
+        const std::string fault = run_step(it, from == 0 ? it : other, step, Check::Frames, calls);
+        if (!fault.empty())
+            throw std::logic_error(fault + " of operation " + std::to_string(step.operation));
+    } while (choices.again());
+    std::printf("%lu calls as the model says\n", calls);
 }

@@ -52,6 +52,22 @@ refuses() { # status, what is said, then the arguments
     [ "$got" = "$status" ] && [ "$text" = "lightshow: $said" ] && [ "$(cat out)" = old ] ||
         fail "$*: status $got, $text"
 }
+is_none() { # the line and what is wrong there, then the file
+    printf "$2" >bad
+    refuses 2 "bad:$1" bad
+}
+is_none '1: cannot be read, or is empty' ''
+is_none '1: a recording begins with "OLA Show"' 'OLA show\n'
+is_none '2: a universe needs a space and values behind it' 'OLA Show\n1\n'
+is_none '2: a universe cannot be "-1"' 'OLA Show\n-1 0\n'
+is_none '2: a universe cannot be "4294967296"' 'OLA Show\n4294967296 0\n'
+is_none '4: a value cannot be "256"' 'OLA Show\n1 0\n40\n1 0,256'
+is_none '2: a value cannot be ""' 'OLA Show\n1 0,,1\n'
+is_none '2: a value cannot be "0 1"' 'OLA Show\n1 0 1\n'
+is_none '2: a universe has no more than 512 values' "OLA Show\n1 $(printf '%0513d' 0 | sed 's/0/0,/g')"
+is_none '3: a time in milliseconds cannot be "1 0"' 'OLA Show\n1 0\n1 0\n'
+is_none '3: a time in milliseconds cannot be "2147483647"' 'OLA Show\n1 0\n2147483647\n'
+is_none '3: a time in milliseconds cannot be ""' 'OLA Show\n1 0\n\n'
 printf 'OLA Show\n1 10,20\n100\n1 300\n' >bad
 refuses 2 'bad:4: a value cannot be "300"' bad
 refuses 2 'bad:4: a value cannot be "300"' a --append bad
