@@ -55,7 +55,7 @@ struct Frames : std::vector<Frame> {
         return other.empty() ? *this : slice(0, at).filled(at) + other + slice(at);
     }
     Frames removed(Count start, Count count) const {
-        return slice(0, start) + slice(start + count);
+        return slice(0, start) + slice(start + std::min(count, SIZE_MAX - start));
     }
     /// With `keys` laid over them, in an animation of `duration` frames.
     Frames overridden(const Frames& keys, Count at, Count duration) const {
@@ -85,7 +85,7 @@ struct Model {
     Model() = default;
     Model(const FrameMap& given, Count intro, Count outro)
         : layers(given), introSize(intro), outroSize(outro) {
-        if (intro + outro > duration())
+        if (intro > duration() || outro > duration() - intro)
             throw std::invalid_argument("sizes");
         for (auto& [name, frames] : layers)
             frames = frames.filled(duration());

@@ -117,6 +117,10 @@ std::string run_step(Subject& subject, Subject& other, const Step& given, Check 
                 return "";
             if (!same(subject.animation, before))
                 return "changed before memory ran out";
+        } catch (const std::length_error&) { // more keys than 32 bits can address
+            if (check == Check::Extremes)
+                return "";
+            throw;
         }
 }
 
