@@ -25,8 +25,8 @@ namespace Kiv {
 /// is defined without any initializer holds nothing that may be read, as a plain float does.
 class AnimationKeyArgs {
 public:
-    /// \name As in std::vector<float>
     /// @{
+    /// As in `std::vector<float>`.
     using value_type = float;
     using size_type = std::size_t;
     using difference_type = std::ptrdiff_t;
