@@ -1,6 +1,7 @@
 #pragma once
 
 #include <locale>
+#include <new>
 #include <sstream>
 #include <stdexcept>
 
@@ -13,7 +14,11 @@ template <class... Pieces>
     std::ostringstream text;
     text.exceptions(std::ios_base::badbit);
     text.imbue(std::locale::classic());
-    (text << ... << pieces);
+    try {
+        (text << ... << pieces);
+    } catch (const std::ios_base::failure&) { // libc++ says so when memory runs out
+        throw std::bad_alloc();
+    }
     throw std::invalid_argument(text.str());
 }
 
