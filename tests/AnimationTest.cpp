@@ -67,8 +67,8 @@ TEST(AnimationTest, CopiesFillAndMovesDoNot) {
     EXPECT_EQ(self.layers, animation("a: H7:10; b: H2:4 W:6").layers);
     EXPECT_NE(source, copy);
     other = std::move(source);
-    EXPECT_EQ(other.layers["b"], keys("H2:4"));
     EXPECT_EQ(other.fps, 10);
+    EXPECT_EQ(other.layers["b"], keys("H2:4"));
     EXPECT_EQ(source, Animation(10));
 }
 

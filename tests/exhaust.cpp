@@ -40,11 +40,12 @@ int main() {
     do {
         Subject it, other;
         auto& layers = it.animation.layers;
-        const unsigned int count = choices.take(2); // besides the first layer
+        const bool both = choices.take(2) > 0;
         for (const char* name : {"a", "b"})
-            for (unsigned int i = name[0] - 'a' > count ? 0 : choices.take(4); i > 0; --i)
-                layers[name].emplace_back(commands[count > 0 ? i : choices.take(4)],
-                                          choices.take(3) + 1);
+            if (KeyVector* layer = *name == 'a' || both ? &layers[name] : nullptr)
+                for (unsigned int i = choices.take(4); i > 0; --i)
+                    layer->emplace_back(commands[both ? i - 1 : choices.take(4)],
+                                        choices.take(3) + 1);
         Step step{choices.take(operations), 0, 0, false, false, "a", "", {}};
         const auto take = [&](char use, unsigned int limit) {
             return std::strchr(uses[step.operation], use) != nullptr ? choices.take(limit) : 0;

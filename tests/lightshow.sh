@@ -19,6 +19,21 @@ makes() { # what is written, on one line, then the arguments
     got=$(sed 1d out | tr '\n' ' ')
     [ "$got" = "$expected " ] || fail "$*: $got instead of $expected"
 }
+reads() { # what is written of it, on one line, then the recording; and what is written is read again
+    printf "OLA Show\n$2" >in
+    makes "$1" in
+    mv out again
+    makes "$1" again
+}
+# a value that stays; a last line of values without milliseconds
+reads '1 7,0 40 1 7,255 10 1 7,0 1' '1 7,0\n40\n1 7,255\n10\n1 7,0\n'
+# universes in turn, CR LF, a comma at the end, fewer values
+reads '1 4 0 2 1,2,3 20 2 5 30' '2 1,2,3,\r\n0\r\n1 4\r\n20\r\n2 5\r\n0\r\n1 4\r\n30\r\n'
+# a universe that begins later, and is silent in between; the greatest one comes last
+reads '10000  0 4294967295 1 5 10000 2 5 10000  5 10000 2 5' \
+    '4294967295 1\n5\n10000 2\n5\n10000 \n5\n10000 2\n5'
+# what lasts for no time
+reads '1 1 18 1 3 1' '1 1\n9\n1 2\n0\n1 1\n9\n1 3\n0'
 makes '1 10,20 100 1 30 50' a
 makes '1 10,20 50 1 30 20' a --keep 50 120
 makes '1 10,20 50 1 30 50' a --keep 0.05s 1s
@@ -41,7 +56,7 @@ for piece in 1=10,20:80 2=10,20:20:30:50:10,20:10 3=10,20:80 4=10,20:10:30:50; d
     [ "$got" = "${piece#*=}:" ] || fail "--split: $piece, $got"
 done
 [ ! -e piece5 ] && grep -q '<svg' a.svg || fail 'writes the wrong files'
-"$lightshow" a | grep -q '^0001.002 |20 ' || fail 'draws no timeline'
+"$lightshow" a | tr '\n' ' ' | grep -q 'at 1000 fps.* 0001.002 |20 ' || fail 'draws no timeline'
 
 refuses() { # status, what is said, then the arguments
     status=$1 said=$2
