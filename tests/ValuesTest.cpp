@@ -12,9 +12,9 @@ namespace {
 
 float number(std::mt19937& random, unsigned int row) {
     const auto any = static_cast<std::uint32_t>(random());
-    if (row % 3 == 0)
-        return static_cast<float>(any % 200001U) / 1000 - 100;
-    return std::bit_cast<float>(any & (row % 3 == 1 ? ~0x00800000U : 0x80FFFFFFU)); // or subnormal
+    const std::uint32_t bits = any & (row % 3 == 1 ? ~0x00800000U : 0x80FFFFFFU); // or subnormal
+    return row % 3 == 0 ? static_cast<float>(any % 200001U) / 1000 - 100
+                        : std::bit_cast<float>(bits);
 }
 
 std::uint32_t hash(const KeyVector& pieces, std::uint32_t sum) {
@@ -24,9 +24,9 @@ std::uint32_t hash(const KeyVector& pieces, std::uint32_t sum) {
     return sum;
 }
 
-/// A Transition a row: its duration, and hashes of the values at a hundred cuts and of up to a
-/// thousand pieces.
-std::string table() {
+/// A row for each Transition: its duration, and hashes of the values at a hundred cuts and of up to
+/// a thousand pieces.
+TEST(ValuesTest, AreTheSameBitsOnEveryMachine) {
     std::ostringstream rows;
     std::mt19937 random;
     for (unsigned int row = 0; row < 124; ++row) {
@@ -39,12 +39,8 @@ std::string table() {
         rows << duration << ' ' << cuts << ' ' << hash(key.splitEach(duration / 1000 + 1), 0)
              << '\n';
     }
-    return rows.str();
-}
-
-TEST(ValuesTest, AreTheSameBitsOnEveryMachine) {
     std::ifstream expected(KIV_VALUES, std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(expected), {}), table());
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(expected), {}), rows.str());
 }
 
 } // namespace
