@@ -45,7 +45,7 @@ unsigned int Splice::lengthBefore() const {
 
 void Splice::commit() noexcept {
     if (!built.empty()) {
-        layer->swap(built);
+        *layer = std::move(built); // frees the keys before while they are at hand
         return;
     }
     if (last == layer->size()) {
