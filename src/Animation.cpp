@@ -293,7 +293,8 @@ Built overridden(Keys layer, unsigned int total, unsigned int duration, Keys key
 
 void Animation::overrideLayerWith(const std::string& name, const KeyVector& keys,
                                   unsigned int frame) {
-    unsigned int total = 0, duration = 0;
+    unsigned int total = 0;
+    unsigned int duration = 0;
     for (const auto& [other, layer] : layers) {
         const unsigned int length = durationInFramesOf(layer);
         duration = std::max(duration, length);

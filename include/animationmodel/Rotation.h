@@ -30,8 +30,8 @@ public:
 
     /// As animations compare, and all fields.
     friend bool operator==(const Rotation& a, const Rotation& b) {
-        const Animation &x = a, &y = b;
-        return x == y && a.pulseValue == b.pulseValue && a.restValue == b.restValue &&
+        const Animation& base = a;
+        return base == b && a.pulseValue == b.pulseValue && a.restValue == b.restValue &&
                a.riseDuration == b.riseDuration && a.fallDuration == b.fallDuration &&
                a.stepDuration == b.stepDuration;
     }
