@@ -92,14 +92,14 @@ struct German : std::numpunct<char> {
 };
 
 TEST(AnimationTest, RefusesAndPrintsTheSameInEveryLocale) {
-    Animation it = animation("a: W:1000; b: ; c: T0.1,-2e+20:3 H1e-45:2 E-7:1 | 1234 5678");
+    Animation it = animation("a: W:1000; b: ; c: T0.1,-2e+20:3 H1e-45:2 E4:1 | 1234 5678");
     const std::locale before = std::locale::global(std::locale(std::locale(), new German));
     it.fps = 29.97F;
     std::ostringstream out;
     out << it;
     EXPECT_EQ(out.str(),
               "29.97 fps, intro 1234, outro 5678\na: Wait over 1000\nb: no keys\n"
-              "c: Transition (0.1, -2e+20) over 3, Hold (1e-45) over 2, Effect -7 over 1");
+              "c: Transition (0.1, -2e+20) over 3, Hold (1e-45) over 2, Effect 4 over 1");
     for (const auto& [seconds, shown] : std::map<float, std::string>{
              {0, "0"}, {-2.5F, "-2.5"}, {-1e-6F, "-1e-06"}, {-1234567, "-1.23457e+06"}})
         EXPECT_EQ(refusal([&, s = seconds] { it.setFPSToFitDurationInSeconds(s); }),

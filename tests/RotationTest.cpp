@@ -10,6 +10,7 @@ namespace {
 TEST(RotationTest, TravelsTwiceAroundTheRing) {
     const std::tuple<unsigned int, unsigned int, unsigned int, unsigned int, const char*> rows[] = {
         {4, 3, 1, 6, "T2,-1:4 T-1,2:3 H2:1 T2,-1:4 T-1,2:3"},
+        {4, 4, 1, 7, "T2,-1:4 T-1,2:4 T2,-1:4 T-1,2:4"},
         {5, 5, 1, 11, "T2,-1:5 T-1,2:5 T2,-1:5 T-1,2:5"},
         {1, 1, 4, 0, "T2,-1:1 T-1,2:1 H2:30 T2,-1:1 T-1,2:1"}};
     for (const auto& [rise, fall, step, outro, pulses] : rows) {
