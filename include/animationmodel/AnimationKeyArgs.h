@@ -10,6 +10,7 @@
 #include <iterator>
 #include <new>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace Kiv {

@@ -44,8 +44,9 @@ public:
     unsigned int stepDuration; ///< Frames by which each layer comes after the one before it.
 
 protected:
-    /// Appends the keys to the eight layers, after their first rest at their start, and sets the
-    /// sizes: what the constructor does with no layers. All or, if that throws, nothing.
+    /// Appends the pulses to the eight layers, puts the rest that each begins with before all keys,
+    /// fills up to the longest layer with rest, and sets the sizes. If that throws, nothing
+    /// changes.
     void _init();
 };
 
