@@ -1,5 +1,8 @@
 #include "Program.h"
 
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -9,31 +12,55 @@
 
 namespace fs = std::filesystem;
 
-int run_program(CLI::App& app, int argc, char** argv, const std::function<void()>& body) {
+namespace {
+
+void add(CLI::App& app, const Option& option) {
+    const bool dashes = option.name[0] == '-';
+    const auto take = [&option](const Words& words) {
+        try {
+            option.take(words);
+        } catch (const std::runtime_error& error) {
+            throw std::runtime_error(option.name + ": " + error.what());
+        }
+    };
+    auto* added = app.add_option_function<Words>(option.name, take, option.help);
+    if (!option.words.empty())
+        added->expected(static_cast<int>(1 + std::ranges::count(option.words, ' ')));
+    else
+        added->expected(dashes ? 0 : 1);
+    added->allow_extra_args(false)->type_name(option.words)->trigger_on_parse();
+    if (dashes)
+        added->check([](const std::string& word) {
+            return word.empty() || word[0] == '-' ? "needs a word, not \"" + word + "\"" : "";
+        });
+}
+
+} // namespace
+
+int Program::run(int argc, char** argv) const {
     const auto complain = [&](const std::exception& error, int status) {
-        std::cerr << app.get_name() << ": " << error.what() << '\n';
+        std::cerr << name << ": " << error.what() << '\n';
         return status;
     };
     try {
-        app.parse(argc, argv);
+        CLI::App app(purpose, name);
+        for (const Option& option : options)
+            add(app, option);
+        try {
+            app.parse(argc, argv);
+        } catch (const CLI::CallForHelp& help) {
+            return app.exit(help);
+        }
         body();
         if (!std::cout.flush())
             throw Failure("cannot write the standard output");
         return 0;
-    } catch (const CLI::CallForHelp& help) {
-        return app.exit(help);
     } catch (const Failure& error) {
         return complain(error, 1);
     } catch (const std::exception& error) {
         return complain(error, 2);
     }
 }
-
-const CLI::Validator given(
-    [](const std::string& text) {
-        return text.empty() || text[0] == '-' ? "needs a word, not \"" + text + "\"" : "";
-    },
-    "");
 
 void write_file(const std::string& path, const std::function<void(std::ostream&)>& write) {
     std::error_code error;

@@ -1,23 +1,37 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 /// What a program that was asked for the right thing could not do.
 struct Failure : std::runtime_error {
     using runtime_error::runtime_error;
 };
 
-/// Parses the arguments, runs `body` and returns the status: 0, or with one line that says why 1
-/// for a Failure, also to write the standard output, and 2 for all else that is thrown.
-int run_program(CLI::App& app, int argc, char** argv, const std::function<void()>& body);
+using Words = std::vector<std::string>;
 
-/// Refuses an empty word, and an option in the place of one.
-extern const CLI::Validator given;
+/// What may stand on a command line.
+struct Option {
+    std::string name;                       ///< With dashes; without, a word that stands alone.
+    std::string words;                      ///< Names of the words that have to follow, "FROM TO".
+    std::string help;                       ///< What it is for.
+    std::function<void(const Words&)> take; ///< Is called with the words, each time it is given.
+};
+
+struct Program {
+    /// Takes the options in the order they are given in, runs `body` and returns the status: 0, or
+    /// with one line that says why 1 for a Failure, also to write the standard output, and 2 for
+    /// all else that is thrown.
+    int run(int argc, char** argv) const;
+
+    std::string name;
+    std::string purpose;
+    std::vector<Option> options;
+    std::function<void()> body;
+};
 
 /// Writes a file whole or not at all; throws std::runtime_error if it cannot be written.
 void write_file(const std::string& path, const std::function<void(std::ostream&)>& write);

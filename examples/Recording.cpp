@@ -1,8 +1,8 @@
 #include "Recording.h"
 
 #include "Terminal.h"
+#include "number.h"
 
-#include <charconv>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -84,8 +84,7 @@ unsigned int take_number(std::string_view& text, char behind, unsigned int great
                          const char* name) {
     const std::string_view word = text.substr(0, text.find(behind));
     unsigned int number = 0;
-    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-    if (error != std::errc() || end != word.data() + word.size() || number > greatest)
+    if (!parse(word, number) || number > greatest)
         throw std::runtime_error(std::string(name) + " cannot be \"" + std::string(word) + "\"");
     text.remove_prefix(std::min(text.size(), word.size() + 1));
     return number;

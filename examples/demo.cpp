@@ -5,6 +5,7 @@
 #include "Program.h"
 #include "Terminal.h"
 #include "Timeline.h"
+#include "number.h"
 
 #include <animationmodel/Rotation.h>
 
@@ -27,31 +28,30 @@ struct Options {
     unsigned int rise = 4, fall = 10, step = 4;
 };
 
-void describe(CLI::App& app, Options& options) {
-    const CLI::Validator finite(
-        [](const std::string& text) {
-            float value = 0;
-            const bool fine = CLI::detail::lexical_cast(text, value) && std::isfinite(value);
-            return fine ? "" : "cannot be \"" + text + "\"";
-        },
-        "NUMBER");
-    const CLI::Validator frames(
-        [](const std::string& text) {
-            unsigned int value = 0;
-            const bool fine = CLI::detail::lexical_cast(text, value) && value > 0;
-            return fine ? "" : "cannot be \"" + text + "\", but 1 or more frames";
-        },
-        "FRAMES");
-    app.add_flag("--play", options.play,
-                 "then plays the result on eight lights in the terminal, until Ctrl-C");
-    app.add_option("--svg", options.svg, "also writes the result as a picture that plays")
-        ->check(given);
-    app.add_option("PULSE", options.pulse, "the value that each output rises to (1)")
-        ->check(finite);
-    app.add_option("REST", options.rest, "the value that it falls back to (0)")->check(finite);
-    app.add_option("RISE", options.rise, "frames that it rises (4)")->check(frames);
-    app.add_option("FALL", options.fall, "frames that it falls (10)")->check(frames);
-    app.add_option("STEP", options.step, "frames after the output before it (4)")->check(frames);
+/// Takes a number of at least 1 frame.
+void take(const Words& words, unsigned int& frames) {
+    if (!parse(words[0], frames) || frames == 0)
+        throw std::runtime_error("cannot be \"" + words[0] + "\", but 1 or more frames");
+}
+
+void take(const Words& words, float& value) {
+    if (!parse(words[0], value) || !std::isfinite(value))
+        throw std::runtime_error("cannot be \"" + words[0] + "\"");
+}
+
+std::vector<Option> described(Options& options) {
+    const auto number = [](const char* name, const char* help, auto& value) -> Option {
+        return {name, "", help, [&value](const Words& words) { take(words, value); }};
+    };
+    return {{"--play", "", "then plays the result on eight lights in the terminal, until Ctrl-C",
+             [&](const Words&) { options.play = true; }},
+            {"--svg", "FILE", "also writes the result as a picture that plays",
+             [&](const Words& words) { options.svg = words[0]; }},
+            number("PULSE", "the value that each output rises to (1)", options.pulse),
+            number("REST", "the value that it falls back to (0)", options.rest),
+            number("RISE", "frames that it rises (4)", options.rise),
+            number("FALL", "frames that it falls (10)", options.fall),
+            number("STEP", "frames after the output before it (4)", options.step)};
 }
 
 /// The same key row on all eight outputs.
@@ -162,10 +162,10 @@ void run(const Options& options) {
 
 } // namespace
 
-// NOLINTNEXTLINE(bugprone-exception-escape): only memory can run out before run_program
+// NOLINTNEXTLINE(bugprone-exception-escape): only memory can run out before the program runs
 int main(int argc, char** argv) {
-    CLI::App app("A light that travels around eight outputs, edited step by step.", "demo");
     Options options;
-    describe(app, options);
-    return run_program(app, argc, argv, [&] { run(options); });
+    const Program program{"demo", "A light that travels around eight outputs, edited step by step.",
+                          described(options), [&] { run(options); }};
+    return program.run(argc, argv);
 }

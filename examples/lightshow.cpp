@@ -5,11 +5,11 @@
 #include "Recording.h"
 #include "Terminal.h"
 #include "Timeline.h"
+#include "number.h"
 #include "play.h"
 
 #include <animationmodel/Rotation.h>
 
-#include <charconv>
 #include <cmath>
 #include <iostream>
 
@@ -17,29 +17,35 @@ using namespace Kiv;
 
 namespace {
 
+using File = std::string;
+
+template <unsigned int least, unsigned int greatest>
+struct Number {
+    explicit Number(const std::string& word) {
+        if (!parse(word, value) || value < least || value > greatest)
+            throw std::runtime_error("needs a number from " + std::to_string(least) + " to " +
+                                     std::to_string(greatest) + ", not \"" + word + "\"");
+    }
+    operator unsigned int() const { return value; }
+    unsigned int value = 0;
+};
+
 /// Milliseconds, which are frames, or seconds: "1500", "1.5s".
-struct Time {
-    explicit Time(const std::string& word) {
-        double time = 0;
-        const std::string_view unit =
-            std::from_chars(word.data(), word.data() + word.size(), time).ptr;
-        time = std::round(unit == "s" ? time * 1000 : time);
-        if (unit == word || (!unit.empty() && unit != "s") || !(time >= 0 && time <= mostFrames))
+template <unsigned int least>
+struct TimeFrom {
+    explicit TimeFrom(const std::string& word) {
+        const bool seconds = word.ends_with('s');
+        double time = -1;
+        const bool parsed = parse({word.data(), word.size() - (seconds ? 1 : 0)}, time);
+        time = std::round(seconds ? time * 1000 : time);
+        if (!parsed || !(time >= least && time <= mostFrames))
             throw std::runtime_error("a time such as 1500 or 1.5s cannot be \"" + word + "\"");
         frames = static_cast<unsigned int>(time);
     }
     operator unsigned int() const { return frames; }
-    unsigned int frames;
+    unsigned int frames = 0;
 };
-
-using File = std::string;
-
-template <unsigned int greatest>
-struct Number {
-    explicit Number(std::string_view word) : value(take_number(word, '\0', greatest, "a number")) {}
-    operator unsigned int() const { return value; }
-    unsigned int value;
-};
+using Time = TimeFrom<0>;
 
 unsigned int length(Time from, Time to) {
     if (from >= to)
@@ -47,7 +53,7 @@ unsigned int length(Time from, Time to) {
     return to - from;
 }
 
-void rotation(Animation& show, Number<255> pulse, Number<255> rest, Time rise, Time fall,
+void rotation(Animation& show, Number<0, 255> pulse, Number<0, 255> rest, Time rise, Time fall,
               Time step) {
     show = Rotation(static_cast<float>(pulse), static_cast<float>(rest), rise, fall, step);
     show.fps = 1000;
@@ -95,7 +101,7 @@ void write_show(const Animation& show, const File& file) {
     write_file(file, [&](std::ostream& out) { write_recording(out, show); });
 }
 
-void split(const Animation& show, Time step, const std::string& prefix) {
+void split(const Animation& show, TimeFrom<1> step, const std::string& prefix) {
     std::vector<Animation> pieces = show.splitEach(step, true, true);
     std::erase_if(pieces, [](const Animation& piece) { return piece.empty(); });
     const std::size_t width = std::to_string(pieces.size()).size();
@@ -112,27 +118,13 @@ void draw(const Animation& show, const File& file) {
 
 using Action = std::function<void(Animation&)>;
 using Actions = std::vector<Action>;
-using Given = std::vector<std::string>;
 
 /// `act` with the words behind an option for arguments.
-template <class Show, class... Words>
-Action action(void (*act)(Show, Words...), const Given& given) {
-    auto word = given.begin();
-    const std::tuple<std::decay_t<Words>...> arguments{std::decay_t<Words>(*word++)...};
+template <class Show, class... Arguments>
+Action action(void (*act)(Show, Arguments...), const Words& words) {
+    auto word = words.begin();
+    const std::tuple<std::decay_t<Arguments>...> arguments{std::decay_t<Arguments>(*word++)...};
     return [=](Animation& show) { std::apply(act, std::tuple_cat(std::tie(show), arguments)); };
-}
-
-/// Has an option add an action each time that it is given.
-void add(CLI::App& app, Actions& actions, const std::string& name, const std::string& words,
-         const char* help, auto act) {
-    const auto take = [&actions, act](const Given& given) {
-        actions.push_back(action(+act, given));
-    };
-    app.add_option_function<Given>(name, take, help)
-        ->expected(static_cast<int>(1 + std::ranges::count(words, ' ')))
-        ->type_name(words)
-        ->check(given)
-        ->trigger_on_parse();
 }
 
 void run(Actions inputs, const Actions& edits, const Actions& outputs) {
@@ -154,44 +146,53 @@ void run(Actions inputs, const Actions& edits, const Actions& outputs) {
 
 } // namespace
 
-// NOLINTNEXTLINE(bugprone-exception-escape): only memory can run out before run_program
+// NOLINTNEXTLINE(bugprone-exception-escape): only memory can run out before the program runs
 int main(int argc, char** argv) {
-    CLI::App app("Edits recorded light shows. A time is milliseconds, or seconds with an s.",
-                 "lightshow");
     Actions inputs;
     Actions edits;
     Actions outputs;
     unsigned int rate = 40;
-    add(app, inputs, "FILE", "", "a recording of ola_recorder",
+    std::vector<Option> options;
+    const auto add = [&](Actions& actions, const char* name, const char* words, const char* help,
+                         auto act) {
+        const auto take = [&actions, act](const Words& given) {
+            actions.push_back(action(+act, given));
+        };
+        options.push_back({name, words, help, take});
+    };
+    add(inputs, "FILE", "", "a recording of ola_recorder",
         [](Animation& show, const File& file) { show = read_recording(file); });
-    add(app, inputs, "--rotation", "PULSE REST RISE FALL STEP",
+    add(inputs, "--rotation", "PULSE REST RISE FALL STEP",
         "instead: the preset on channels 1 to 8 of universe 1", rotation);
-    add(app, edits, "--keep", "FROM TO", "keeps what lies between",
+    add(edits, "--keep", "FROM TO", "keeps what lies between",
         [](Animation& show, Time from, Time to) {
             show.remove(from + length(from, to), mostFrames);
             show.remove(0, from);
         });
-    add(app, edits, "--remove", "FROM TO", "removes what lies between",
+    add(edits, "--remove", "FROM TO", "removes what lies between",
         [](Animation& show, Time from, Time to) { show.remove(from, length(from, to)); });
-    add(app, edits, "--insert", "FILE AT", "inserts a recording",
+    add(edits, "--insert", "FILE AT", "inserts a recording",
         [](Animation& show, const File& file, Time at) { show.insert(read_recording(file), at); });
-    add(app, edits, "--append", "FILE", "appends a recording",
+    add(edits, "--append", "FILE", "appends a recording",
         [](Animation& show, const File& file) { show.pushBack(read_recording(file), true, true); });
-    add(app, edits, "--override", "FILE AT", "lays a recording over", override_with);
-    add(app, edits, "--intro", "T", "the first T do not loop",
+    add(edits, "--override", "FILE AT", "lays a recording over", override_with);
+    add(edits, "--intro", "T", "the first T do not loop",
         [](Animation& show, Time size) { show.introSize = size; });
-    add(app, edits, "--outro", "T", "the last T do not loop",
+    add(edits, "--outro", "T", "the last T do not loop",
         [](Animation& show, Time size) { show.outroSize = size; });
-    add(app, edits, "--loop", "N", "plays N times what lies between intro and outro",
-        [](Animation& show, Number<mostFrames> count) { show = show.loop(count, false, false); });
-    add(app, edits, "--last", "T", "plays faster or slower, to last T", last);
-    add(app, outputs, "--write", "FILE", "writes a recording", write_show);
-    add(app, outputs, "--split", "T PREFIX", "writes PREFIX1, PREFIX2 ... of T each", split);
-    add(app, outputs, "--svg", "FILE", "draws a picture that plays", draw);
-    app.add_flag_callback(
-        "--play",
-        [&] { outputs.emplace_back([&rate](const Animation& show) { play(show, rate); }); },
-        "plays by the olad of this machine");
-    app.add_option("--rate", rate, "frames a second to play (40)")->check(CLI::Range(1, 1000));
-    return run_program(app, argc, argv, [&] { run(inputs, edits, outputs); });
+    add(edits, "--loop", "N", "plays N times what lies between intro and outro",
+        [](Animation& show, Number<0, mostFrames> n) { show = show.loop(n, false, false); });
+    add(edits, "--last", "T", "plays faster or slower, to last T", last);
+    add(outputs, "--write", "FILE", "writes a recording", write_show);
+    add(outputs, "--split", "T PREFIX", "writes PREFIX1, PREFIX2 ... of T each", split);
+    add(outputs, "--svg", "FILE", "draws a picture that plays", draw);
+    options.push_back({"--play", "", "plays by the olad of this machine", [&](const Words&) {
+                           outputs.emplace_back([&](const Animation& show) { play(show, rate); });
+                       }});
+    options.push_back({"--rate", "N", "frames a second to play (40)",
+                       [&](const Words& words) { rate = Number<1, 1000>(words[0]); }});
+    return Program{"lightshow",
+                   "Edits recorded light shows. A time is milliseconds, or seconds with an s.",
+                   options, [&] { run(inputs, edits, outputs); }}
+        .run(argc, argv);
 }

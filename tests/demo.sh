@@ -12,7 +12,7 @@ expect() { # status, what is said first on stderr, arguments
     exit 1
 }
 expect 0 '' -h
-expect 0 '' +1 -1 +2
+expect 0 '' 1.5 -1 2
 expect 2 'demo: PULSE: cannot be "nan"' nan
 expect 2 'demo: FALL: cannot be "-3"' 1 0 4 -3
 expect 2 'demo: STEP: cannot be "4294967296"' 1 0 4 10 4294967296

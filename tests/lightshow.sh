@@ -40,7 +40,7 @@ makes '1 10,20 50 1 30 50' a --keep 0.05s 1s
 makes '1 10,20 50 1 30 30' a --remove 50 120
 makes '1 10,20 50 1 9 0 2 7 20 2 8 20 1 10,20 0 2  50 1 30 50' a --insert b 50
 makes '1 10,20 100 1 30 50 1  20 1 9 0 2 7 20 2 8 20' a --insert b 170
-makes '1 10,20 100 1 30 50 1 9 0 2 7 20 2 8 20' a --append b
+makes '1 10,20 100 1 30 50 1 9 0 2 7 20 2 8 20' --append b a
 makes '1 10,20 50 1 9,20 0 2 7 20 2 8 20 1 10,20 0 2  10 1 30 50' a --override b 50
 makes '1 10,20 100 1 30 20 1 10,20 60 1 30 50' a --intro 40 --outro 30 --loop 2
 makes '1 10,20 100 1 30 20 1 10,20 100 1 30 20' a --keep 0 120 --loop 2
@@ -89,8 +89,9 @@ refuses 2 'bad:4: a value cannot be "300"' a --append bad
 refuses 2 'needs a FILE or --rotation, and not both' --loop 2
 refuses 2 'needs a FILE or --rotation, and not both' a --rotation 255 0 1 1 1
 refuses 2 'TO has to come behind FROM' a --remove 30 30
-refuses 2 'a time such as 1500 or 1.5s cannot be "1.5m"' a --last 1.5m
-refuses 2 'a number cannot be "256"' --rotation 255 256 1 1 1
+refuses 2 '--last: a time such as 1500 or 1.5s cannot be "1.5m"' a --last 1.5m
+refuses 2 '--rotation: needs a number from 0 to 255, not "256"' --rotation 255 256 1 1 1
+refuses 2 '--split: a time such as 1500 or 1.5s cannot be "0s"' a --write out --split 0s piece
 refuses 2 'the show is too long, or too short for intro and outro' a --intro 90 --outro 90
 refuses 2 'cannot write none/b: No such file or directory' a --write none/b
 ln -s a link
