@@ -535,6 +535,7 @@ struct Looping {
         const Stretch intro = cursor.takeFrames(introSize);
         const Stretch rest = cursor.rest;
         repeated.clear();
+        repeated.reserve(layer.size() + 2); // a key more for each cut
         cursor.takeFrames(outroStart).appendTo(repeated);
         if (repeatOutro)
             cursor.rest.appendTo(repeated);
