@@ -15,14 +15,10 @@ namespace {
 /// What to write on a key: "0>1" for a Transition, "1" for a Hold.
 std::string sign_of(const AnimationKey& key) {
     switch (key.command.effect) {
-    case Transition:
-        return label(key.command.args[0]) + ">" + label(key.command.args[1]);
-    case Hold:
-        return label(key.command.args[0]);
-    case Wait:
-        return "~";
-    default:
-        return "-";
+    case Transition: return label(key.command.args[0]) + ">" + label(key.command.args[1]);
+    case Hold: return label(key.command.args[0]);
+    case Wait: return "~";
+    default: return "-";
     }
 }
 

@@ -1,5 +1,6 @@
 #include "Program.h"
 
+#include <animationmodel/Rotation.h>
 #include <cfloat>
 
 namespace Kiv {
@@ -28,38 +29,31 @@ std::vector<It> call(It& it, const It& other, const Step& step, const KeyVector&
     moved.introSize = other.introSize;
     moved.outroSize = other.outroSize;
     switch (operation) {
-    case 0:
-        return it.insertInLayer(name, keys, frame), none;
-    case 1:
-        return it.insertInLayer(name, key, frame), none;
-    case 2:
-        return it.pushBackInLayer(name, keys), none;
-    case 3:
-        return it.fillInLayer(name, frame), none;
-    case 4:
-        return it.removeInLayer(name, frame, count), none;
-    case 5:
-        return it.overrideLayerWith(name, keys, frame), none;
-    case 6:
-        return it.insert(other, frame), none;
-    case 7:
-        return it.pushBack(std::move(moved), first, second), none;
-    case 8:
-        return it.remove(frame, count), none;
-    case 9:
-        return it.overrideLayersWith(other, frame), none;
-    case 10:
-        return it.introBodyOutroLayers(map(0), map(1), map(2)), std::move(maps);
-    case 11:
-        return {it.loop(count, first, second)};
-    case 12:
-        return it.splitAt({frame, count, count / 2}, first, second);
-    case 13:
-        return it.splitEach(count, first, second);
-    case 14:
-        return it = It(other.layers, frame, count), none;
-    default:
-        return it.introSize = frame, it.outroSize = count, none;
+    case 0: return it.insertInLayer(name, keys, frame), none;
+    case 1: return it.insertInLayer(name, key, frame), none;
+    case 2: return it.pushBackInLayer(name, keys), none;
+    case 3: return it.fillInLayer(name, frame), none;
+    case 4: return it.removeInLayer(name, frame, count), none;
+    case 5: return it.overrideLayerWith(name, keys, frame), none;
+    case 6: return it.insert(other, frame), none;
+    case 7: return it.pushBack(std::move(moved), first, second), none;
+    case 8: return it.remove(frame, count), none;
+    case 9: return it.overrideLayersWith(other, frame), none;
+    case 10: return it.introBodyOutroLayers(map(0), map(1), map(2)), std::move(maps);
+    case 11: return {it.loop(count, first, second)};
+    case 12: return it.splitAt({frame, count, count / 2}, first, second);
+    case 13: return it.splitEach(count, first, second);
+    case 14: return it = It(other.layers, frame, count), none;
+    default: return it.introSize = frame, it.outroSize = count, none;
+    }
+}
+
+/// What the steps of a program do not call.
+void call_with_extremes(const Step& step) {
+    for (const AnimationKey& key : step.keys) {
+        key.splitAt(step.frame);
+        refusal([&] { key.splitEach(step.count); });
+        refusal([&] { Rotation(0, INFINITY, step.frame, key.duration, step.count); });
     }
 }
 
@@ -90,7 +84,7 @@ std::string run_step(Subject& subject, Subject& other, const Step& given, Check 
             memory.failAt = 0;
             ++calls;
             if (check == Check::Extremes)
-                return "";
+                return call_with_extremes(step), "";
             const bool equal =
                 error.empty() == refused.empty() && same(subject.animation, subject.model) &&
                 std::equal(results.begin(), results.end(), expected.begin(), expected.end(),
