@@ -318,6 +318,20 @@ unsigned int fill_and_check(Animation& animation) {
     return lengths.longest;
 }
 
+/// What each of the layers lasts, in the order of their names, and the longest of them.
+struct Totals {
+    explicit Totals(const LayerMap& layers) {
+        each.reserve(layers.size());
+        for (const auto& [name, keys] : layers) {
+            each.push_back(Animation::durationInFramesOf(keys));
+            longest = std::max(longest, each.back());
+        }
+    }
+
+    std::vector<unsigned int> each;
+    unsigned int longest = 0;
+};
+
 /// Finds layers by name, each name behind the one before: one walk along the map for all of them.
 class AscendingSearch {
 public:
@@ -357,8 +371,10 @@ public:
     Edits& operator=(const Edits&) = delete;
 
     /// Prepares to put `other`, whose layers all last `length` frames, in the place of the frames
-    /// [start, start + count) of every layer. Where it lacks a layer, a `Wait` key stands in.
-    void replace(unsigned int start, unsigned int count, LayerMap& other, unsigned int length);
+    /// [start, start + count) of every layer. Where it lacks a layer, a `Wait` key stands in. What
+    /// the layers last may be known before; then those that end at `start` are not walked.
+    void replace(unsigned int start, unsigned int count, LayerMap& other, unsigned int length,
+                 const Totals* totals = nullptr);
 
     /// Makes the edits.
     void commit() noexcept;
@@ -372,7 +388,8 @@ private:
     AnimationKey gap{Wait, 1};
 };
 
-void Edits::replace(unsigned int start, unsigned int count, LayerMap& other, unsigned int length) {
+void Edits::replace(unsigned int start, unsigned int count, LayerMap& other, unsigned int length,
+                    const Totals* totals) {
     gap.duration = length;
     const Keys missing(&gap, length > 0 ? 1 : 0);
     const auto add = [&](LayerMap::iterator named) {
@@ -386,8 +403,11 @@ void Edits::replace(unsigned int start, unsigned int count, LayerMap& other, uns
     splices.reserve(layers.size());
     for (auto& [name, layer] : layers) {
         const KeyVector* found = theirs.find(name, add);
-        splices.push_back(replacement(layer, LayerCursor(layer), start, count,
-                                      found != nullptr ? Keys(*found) : missing));
+        LayerCursor cursor(layer);
+        if (totals != nullptr && totals->each[splices.size()] <= start)
+            cursor = LayerCursor(Keys(), totals->each[splices.size()]);
+        splices.push_back(
+            replacement(layer, cursor, start, count, found != nullptr ? Keys(*found) : missing));
         duration = std::max(duration, splices.back().lengthBefore());
     }
     theirs.finish(add);
@@ -447,11 +467,12 @@ void Animation::pushBack(Animation other, bool keepOutro, bool keepIntro) {
     if (!keepIntro)
         other.remove(0, other.introSize);
     const unsigned int length = fill_and_check(other);
-    const unsigned int duration = durationInFrames();
+    const Totals totals(layers);
+    const unsigned int duration = totals.longest;
     const unsigned int end =
         keepOutro ? duration : std::min(duration, outro_begin(*this, duration));
     Edits edits(layers);
-    edits.replace(end, duration - end, other.layers, length);
+    edits.replace(end, duration - end, other.layers, length, &totals);
     edits.commit();
     shrink_sizes(*this, duration, end, duration - end);
     widen_sizes(*this, end, end, length);
@@ -471,15 +492,9 @@ void Animation::remove(unsigned int start, unsigned int count) {
 }
 
 void Animation::overrideLayersWith(const Animation& other, unsigned int frame) {
-    std::vector<unsigned int> totals;
-    totals.reserve(layers.size());
-    for (const auto& [name, keys] : layers)
-        totals.push_back(durationInFramesOf(keys));
-    auto total = totals.begin();
-    unsigned int duration = 0;
-    for (const unsigned int length : totals)
-        duration = std::max(duration, length);
-
+    const Totals totals(layers);
+    auto total = totals.each.begin();
+    unsigned int duration = totals.longest;
     Edits edits(layers);
     edits.splices.reserve(other.layers.size());
     AscendingSearch ours(layers);
