@@ -18,11 +18,14 @@ TEST(EditTest, KeysAreBuiltFromEffectsOrRefused) {
 TEST(EditTest, LoopsUpToTheLimit) {
     const Animation bodiless = animation("a: T0,30:3 | 2 1");
     EXPECT_EQ(bodiless.loop(4294967295, false, false), bodiless);
-    Animation some = animation("a: H1:1 H2:1073741823 | 1 0");
-    EXPECT_EQ(some.loop(2, false, false).durationInFrames(), 2147483647U);
-    EXPECT_EQ(refusal([&] { some.loop(2, true, false); }),
-              "Animation looped 2 times would last 2147483648 frames but should last less than "
-              "2147483648");
+    Animation some = animation("a: H1:1 H2:1073741823");
+    for (const bool intro : {true, false}) {
+        some.introSize = intro, some.outroSize = !intro;
+        EXPECT_EQ(some.loop(2, false, false).durationInFrames(), 2147483647U);
+        EXPECT_EQ(refusal([&] { some.loop(2, intro, !intro); }),
+                  "Animation looped 2 times would last 2147483648 frames but should last less than "
+                  "2147483648");
+    }
     some.fps = 40;
     Animation::defaultFps = 0;
     EXPECT_EQ(some.loop(1, false, false), some);
