@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -23,15 +24,21 @@ void add(CLI::App& app, const Option& option) {
             throw std::runtime_error(option.name + ": " + error.what());
         }
     };
-    auto* added = app.add_option_function<Words>(option.name, take, option.help);
-    if (!option.words.empty())
-        added->expected(static_cast<int>(1 + std::ranges::count(option.words, ' ')));
-    else
-        added->expected(dashes ? 0 : 1);
-    added->allow_extra_args(false)->type_name(option.words)->trigger_on_parse();
-    if (dashes)
-        added->check([](const std::string& word) {
-            return word.empty() || word[0] == '-' ? "needs a word, not \"" + word + "\"" : "";
+    if (dashes && option.words.empty()) {
+        app.add_flag_callback(
+               option.name, [take] { take({}); }, option.help)
+            ->trigger_on_parse();
+        return;
+    }
+    app.add_option_function<Words>(option.name, take, option.help)
+        ->expected(static_cast<int>(1 + std::ranges::count(option.words, ' ')))
+        ->allow_extra_args(false)
+        ->type_name(option.words)
+        ->trigger_on_parse()
+        ->check([dashes](const std::string& word) { // a number may be negative
+            const bool missing =
+                word.empty() || (dashes && word[0] == '-' && std::isdigit(word[1]) == 0);
+            return missing ? "needs a word, not \"" + word + "\"" : "";
         });
 }
 

@@ -15,16 +15,17 @@ using Words = std::vector<std::string>;
 
 /// What may stand on a command line.
 struct Option {
-    std::string name;                       ///< With dashes; without, a word that stands alone.
-    std::string words;                      ///< Names of the words that have to follow, "FROM TO".
-    std::string help;                       ///< What it is for.
-    std::function<void(const Words&)> take; ///< Is called with the words, each time it is given.
+    std::string name;  ///< With dashes; without, a word that stands alone.
+    std::string words; ///< Names of the words that have to follow, "FROM TO".
+    std::string help;  ///< What it is for.
+    /// Is called with the words, each time it is given; throws std::runtime_error to refuse them.
+    std::function<void(const Words&)> take;
 };
 
 struct Program {
-    /// Takes the options in the order they are given in, runs `body` and returns the status: 0, or
-    /// with one line that says why 1 for a Failure, also to write the standard output, and 2 for
-    /// all else that is thrown.
+    /// Takes the options in the order they are given in, then runs `body`, or tells what there is
+    /// if asked for help. Returns the status: 0, or with one line that says why 1 for a Failure of
+    /// `body` or to write the standard output, and 2 for all else that is thrown.
     int run(int argc, char** argv) const;
 
     std::string name;

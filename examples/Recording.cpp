@@ -15,6 +15,18 @@ namespace {
 
 constexpr unsigned int most = std::numeric_limits<unsigned int>::max();
 
+/// Takes a number and the sign `behind` it, or the end, off the front of `text`.
+/// Throws std::runtime_error that calls it `name` if it is none, or more than `greatest`.
+unsigned int take_number(std::string_view& text, char behind, unsigned int greatest,
+                         const char* name) {
+    const std::string_view word = text.substr(0, text.find(behind));
+    unsigned int number = 0;
+    if (!parse(word, number) || number > greatest)
+        throw std::runtime_error(std::string(name) + " cannot be \"" + std::string(word) + "\"");
+    text.remove_prefix(std::min(text.size(), word.size() + 1));
+    return number;
+}
+
 struct Channel {
     /// Shows `to` from frame `now` on.
     void change(unsigned int now, const AnimationKeyCommand& to) {
@@ -79,16 +91,6 @@ struct Reader {
 };
 
 } // namespace
-
-unsigned int take_number(std::string_view& text, char behind, unsigned int greatest,
-                         const char* name) {
-    const std::string_view word = text.substr(0, text.find(behind));
-    unsigned int number = 0;
-    if (!parse(word, number) || number > greatest)
-        throw std::runtime_error(std::string(name) + " cannot be \"" + std::string(word) + "\"");
-    text.remove_prefix(std::min(text.size(), word.size() + 1));
-    return number;
-}
 
 std::string channel_name(unsigned int universe, unsigned int channel) {
     std::string digits = std::to_string(universe);

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <map>
 #include <ostream>
-#include <string_view>
 #include <utility>
 
 // Recordings of light shows in the format of the Open Lighting Architecture's `ola_recorder`:
@@ -21,11 +20,6 @@
 // as long as a value stays, NoValue while the channel is not sent.
 
 constexpr unsigned int mostFrames = (1U << 31) - 1;
-
-/// Takes a number and the sign `behind` it, or the end, off the front of `text`.
-/// Throws std::runtime_error that calls it `name` if it is none, or more than `greatest`.
-unsigned int take_number(std::string_view& text, char behind, unsigned int greatest,
-                         const char* name);
 
 /// The layer of a channel. Names sort as the numbers do.
 std::string channel_name(unsigned int universe, unsigned int channel);

@@ -35,7 +35,10 @@ void take(const Words& words, unsigned int& frames) {
 }
 
 void take(const Words& words, float& value) {
-    if (!parse(words[0], value) || !std::isfinite(value))
+    double number = NAN; // takes less than the least float for 0
+    parse(words[0], number);
+    value = static_cast<float>(number);
+    if (!std::isfinite(value))
         throw std::runtime_error("cannot be \"" + words[0] + "\"");
 }
 
@@ -49,9 +52,9 @@ std::vector<Option> described(Options& options) {
              [&](const Words& words) { options.svg = words[0]; }},
             number("PULSE", "the value that each output rises to (1)", options.pulse),
             number("REST", "the value that it falls back to (0)", options.rest),
-            number("RISE", "frames that it rises (4)", options.rise),
-            number("FALL", "frames that it falls (10)", options.fall),
-            number("STEP", "frames after the output before it (4)", options.step)};
+            number("RISE", "frames that it rises, 1 or more (4)", options.rise),
+            number("FALL", "frames that it falls, 1 or more (10)", options.fall),
+            number("STEP", "frames after the output before it, 1 or more (4)", options.step)};
 }
 
 /// The same key row on all eight outputs.

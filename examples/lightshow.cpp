@@ -32,20 +32,22 @@ struct Number {
 
 /// Milliseconds, which are frames, or seconds: "1500", "1.5s".
 template <unsigned int least>
-struct TimeFrom {
-    explicit TimeFrom(const std::string& word) {
+struct Milliseconds {
+    explicit Milliseconds(const std::string& word) {
         const bool seconds = word.ends_with('s');
         double time = -1;
         const bool parsed = parse({word.data(), word.size() - (seconds ? 1 : 0)}, time);
         time = std::round(seconds ? time * 1000 : time);
         if (!parsed || !(time >= least && time <= mostFrames))
-            throw std::runtime_error("a time such as 1500 or 1.5s cannot be \"" + word + "\"");
+            throw std::runtime_error(std::string("a time ") + (least > 0 ? "above 0 " : "") +
+                                     "such as 1500 or 1.5s cannot be \"" + word + "\"");
         frames = static_cast<unsigned int>(time);
     }
     operator unsigned int() const { return frames; }
     unsigned int frames = 0;
 };
-using Time = TimeFrom<0>;
+using Time = Milliseconds<0>;
+using Duration = Milliseconds<1>;
 
 unsigned int length(Time from, Time to) {
     if (from >= to)
@@ -53,8 +55,8 @@ unsigned int length(Time from, Time to) {
     return to - from;
 }
 
-void rotation(Animation& show, Number<0, 255> pulse, Number<0, 255> rest, Time rise, Time fall,
-              Time step) {
+void rotation(Animation& show, Number<0, 255> pulse, Number<0, 255> rest, Duration rise,
+              Duration fall, Duration step) {
     show = Rotation(static_cast<float>(pulse), static_cast<float>(rest), rise, fall, step);
     show.fps = 1000;
     unsigned int channel = 0;
@@ -101,7 +103,7 @@ void write_show(const Animation& show, const File& file) {
     write_file(file, [&](std::ostream& out) { write_recording(out, show); });
 }
 
-void split(const Animation& show, TimeFrom<1> step, const std::string& prefix) {
+void split(const Animation& show, Duration step, const std::string& prefix) {
     std::vector<Animation> pieces = show.splitEach(step, true, true);
     std::erase_if(pieces, [](const Animation& piece) { return piece.empty(); });
     const std::size_t width = std::to_string(pieces.size()).size();
@@ -189,7 +191,7 @@ int main(int argc, char** argv) {
     options.push_back({"--play", "", "plays by the olad of this machine", [&](const Words&) {
                            outputs.emplace_back([&](const Animation& show) { play(show, rate); });
                        }});
-    options.push_back({"--rate", "N", "frames a second to play (40)",
+    options.push_back({"--rate", "N", "frames a second to play, 1 to 1000 (40)",
                        [&](const Words& words) { rate = Number<1, 1000>(words[0]); }});
     return Program{"lightshow",
                    "Edits recorded light shows. A time is milliseconds, or seconds with an s.",

@@ -91,7 +91,7 @@ refuses 2 'needs a FILE or --rotation, and not both' a --rotation 255 0 1 1 1
 refuses 2 'TO has to come behind FROM' a --remove 30 30
 refuses 2 '--last: a time such as 1500 or 1.5s cannot be "1.5m"' a --last 1.5m
 refuses 2 '--rotation: needs a number from 0 to 255, not "256"' --rotation 255 256 1 1 1
-refuses 2 '--split: a time such as 1500 or 1.5s cannot be "0s"' a --write out --split 0s piece
+refuses 2 '--split: a time above 0 such as 1500 or 1.5s cannot be "0s"' a --write out --split 0s piece
 refuses 2 'the show is too long, or too short for intro and outro' a --intro 90 --outro 90
 refuses 2 'cannot write none/b: No such file or directory' a --write none/b
 ln -s a link
