@@ -372,7 +372,7 @@ public:
 
     /// Prepares to put `other`, whose layers all last `length` frames, in the place of the frames
     /// [start, start + count) of every layer. Where it lacks a layer, a `Wait` key stands in. What
-    /// the layers last may be known before; then those that end at `start` are not walked.
+    /// the layers last may be known before; then those that end by `start` are not walked.
     void replace(unsigned int start, unsigned int count, LayerMap& other, unsigned int length,
                  const Totals* totals = nullptr);
 
@@ -403,9 +403,10 @@ void Edits::replace(unsigned int start, unsigned int count, LayerMap& other, uns
     splices.reserve(layers.size());
     for (auto& [name, layer] : layers) {
         const KeyVector* found = theirs.find(name, add);
+        const std::size_t index = splices.size(); // of the layer
         LayerCursor cursor(layer);
-        if (totals != nullptr && totals->each[splices.size()] <= start)
-            cursor = LayerCursor(Keys(), totals->each[splices.size()]);
+        if (totals != nullptr && totals->each[index] <= start)
+            cursor = LayerCursor(Keys(), totals->each[index]); // at its end
         splices.push_back(
             replacement(layer, cursor, start, count, found != nullptr ? Keys(*found) : missing));
         duration = std::max(duration, splices.back().lengthBefore());
@@ -550,7 +551,6 @@ struct Looping {
         const Stretch intro = cursor.takeFrames(introSize);
         const Stretch rest = cursor.rest;
         repeated.clear();
-        repeated.reserve(layer.size() + 2); // a key more for each cut
         cursor.takeFrames(outroStart).appendTo(repeated);
         if (repeatOutro)
             cursor.rest.appendTo(repeated);

@@ -44,8 +44,8 @@ using LayerMap = std::map<std::string, KeyVector>;
 ///
 ///     questions            none; `layer` once
 ///     one layer            at most once, and once for a layer that is created
-///     all layers           at most once a layer, once for each one created, and up to two lists
-///     copies, maps, pieces an entry and its keys for each layer; lists; `loop` one buffer
+///     all layers           at most once a layer, once for each one created, and up to three lists
+///     copies, maps, pieces an entry and its keys for each layer; lists; `loop` a buffer
 ///
 /// While an operation runs there is what was before and what will be, and no third copy of it.
 ///
