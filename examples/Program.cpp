@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -35,9 +34,9 @@ void add(CLI::App& app, const Option& option) {
         ->allow_extra_args(false)
         ->type_name(option.words)
         ->trigger_on_parse()
-        ->check([dashes](const std::string& word) { // a number may be negative
-            const bool missing =
-                word.empty() || (dashes && word[0] == '-' && std::isdigit(word[1]) == 0);
+        ->check([dashes](const std::string& word) {
+            const bool negative = word[0] == '-' && word[1] >= '0' && word[1] <= '9';
+            const bool missing = word.empty() || (dashes && word[0] == '-' && !negative);
             return missing ? "needs a word, not \"" + word + "\"" : "";
         });
 }
