@@ -34,8 +34,9 @@ void take(const Words& words, unsigned int& frames) {
         throw std::runtime_error("cannot be \"" + words[0] + "\", but 1 or more frames");
 }
 
+/// Takes a finite number; one too small for a float is 0.
 void take(const Words& words, float& value) {
-    double number = NAN; // takes less than the least float for 0
+    double number = NAN;
     parse(words[0], number);
     value = static_cast<float>(number);
     if (!std::isfinite(value))

@@ -193,8 +193,8 @@ int main(int argc, char** argv) {
                        }});
     options.push_back({"--rate", "N", "frames a second to play, 1 to 1000 (40)",
                        [&](const Words& words) { rate = Number<1, 1000>(words[0]); }});
-    return Program{"lightshow",
-                   "Edits recorded light shows. A time is milliseconds, or seconds with an s.",
-                   options, [&] { run(inputs, edits, outputs); }}
-        .run(argc, argv);
+    const Program program{
+        "lightshow", "Edits recorded light shows. A time is milliseconds, or seconds with an s.",
+        options, [&] { run(inputs, edits, outputs); }};
+    return program.run(argc, argv);
 }

@@ -110,7 +110,8 @@ struct Model {
 
     void fillInLayer(Name name, Count frames) { layers[name] = layers[name].filled(frames); }
     void insertInLayer(Name name, const KeyVector& keys, Count frame) {
-        keys.empty() ? Frames() : layers[name] = layers[name].inserted(keys, frame);
+        if (!keys.empty())
+            layers[name] = layers[name].inserted(keys, frame);
     }
     void insertInLayer(Name name, const AnimationKey& key, Count frame) {
         insertInLayer(name, KeyVector{key}, frame);

@@ -89,7 +89,7 @@ std::string run_step(Subject& subject, Subject& other, const Step& given, Check 
                 error.empty() == refused.empty() && same(subject.animation, subject.model) &&
                 std::equal(results.begin(), results.end(), expected.begin(), expected.end(),
                            [](const auto& a, const auto& b) { return same(a, b); });
-            return equal ? "" : "not as the model: " + error + refused;
+            return equal ? "" : "not as the model (" + error + refused + ")";
         } catch (const std::exception& error) { // out of memory, or of 32 bits
             memory.failAt = 0;
             if (check != Check::Memory)
@@ -164,8 +164,13 @@ std::string run_program(const std::vector<unsigned char>& bytes, Check check,
         for (auto& [name, layer] : subject.animation.layers)
             layer.reserve(reader.take(3) == 0 ? 50 : 0); // so that some edits are made in place
         const std::string fault = run_step(subject, other, step, check, calls);
-        if (!fault.empty())
-            return fault + " after operation " + std::to_string(step.operation);
+        if (!fault.empty()) {
+            std::ostringstream text;
+            text << fault << ": operation " << step.operation << " with " << step.frame << ' '
+                 << step.count << ' ' << step.name << ' ' << step.keys << ", left "
+                 << subject.animation;
+            return text.str();
+        }
         if (check != Check::Extremes && subject.model.duration() > 200)
             subject = Subject();
     }
