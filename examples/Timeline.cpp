@@ -3,10 +3,11 @@
 #include "Player.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <iomanip>
+#include <locale>
+#include <sstream>
 
 using namespace Kiv;
 
@@ -131,10 +132,10 @@ Colour colour_of(int level) {
 }
 
 std::string number(float value, int digits) {
-    std::array<char, 64> text{};
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), value,
-                                   std::chars_format::general, digits);
-    return {text.data(), end.ptr};
+    std::ostringstream text;
+    text.imbue(std::locale::classic());
+    text << std::setprecision(digits) << value;
+    return text.str();
 }
 
 std::string label(float value) {

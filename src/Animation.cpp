@@ -2,12 +2,10 @@
 
 #include "LayerCursor.h"
 #include "Splice.h"
-#include "refuse.h"
-#include "shortest.h"
+#include "text.h"
 
 #include <algorithm>
 #include <cmath>
-#include <ostream>
 #include <utility>
 
 namespace Kiv {
@@ -275,11 +273,12 @@ Built overridden(Keys layer, unsigned int total, unsigned int duration, Keys key
             continue;
         }
         const auto runEnd = std::find_if(key, keys.end(), is_wait);
+        const Keys run(&*key, static_cast<std::size_t>(runEnd - key));
         cursor.takeFrames(position).appendTo(result);
         if (cursor.frame < position)
             result.emplace_back(Wait, position - cursor.frame);
-        result.insert(result.end(), key, runEnd);
-        position += static_cast<unsigned int>(total_of({key, runEnd}));
+        result.insert(result.end(), run.begin(), run.end());
+        position += static_cast<unsigned int>(total_of(run));
         cursor.takeKeys(position);
         total += position - cursor.frame;
         cursor.frame = position; // the key that the run ends inside follows it whole
@@ -667,9 +666,18 @@ void Animation::_checkAttr() {
     check_parts(layers, introSize, outroSize, fps);
 }
 
+namespace {
+
+/// The keys of `layer` from `it` on.
+Keys keys_from(const KeyVector& layer, KeyVector::const_iterator it) {
+    return Keys(layer).subspan(static_cast<std::size_t>(it - layer.begin()));
+}
+
+} // namespace
+
 void Animation::_iterateOnLayer(unsigned int& frame, KeyVector::iterator& it, unsigned int target,
                                 const KeyVector& layer, bool toEnd, KeyVector* out) {
-    LayerCursor cursor({KeyVector::const_iterator(it), layer.end()}, frame);
+    LayerCursor cursor(keys_from(layer, it), frame);
     const Stretch passed = cursor.takeKeys(toEnd ? maxFrame : target);
     if (out != nullptr)
         passed.appendTo(*out);
@@ -705,18 +713,10 @@ void Animation::_removeKeys(unsigned int& frame, KeyVector::iterator& it, KeyVec
     auto behind = it;
     _goToFrame(passed, behind, end_of_range(start, count), layer);
     const auto left = layer.end() - behind;
-    Splice removed = replacement(layer, LayerCursor({it, layer.end()}, frame), start, count, {});
+    Splice removed = replacement(layer, LayerCursor(keys_from(layer, it), frame), start, count, {});
     removed.commit();
     it = layer.end() - left;
     frame = left > 0 ? std::max(passed, start) : passed;
-}
-
-std::ostream& operator<<(std::ostream& out, const Animation& animation) {
-    out << shortest(animation.fps) + " fps, intro " + std::to_string(animation.introSize) +
-               ", outro " + std::to_string(animation.outroSize);
-    for (const auto& [name, keys] : animation.layers)
-        out << '\n' + name + ": " << keys;
-    return out;
 }
 
 } // namespace Kiv

@@ -1,12 +1,9 @@
 #include <animationmodel/AnimationKey.h>
 
-#include "refuse.h"
 #include "take_head.h"
+#include "text.h"
 
 #include <cfloat>
-#include <ostream>
-#include <string>
-#include <utility>
 
 // The values at a cut are exact to the bit only if each step is rounded to single precision.
 static_assert(FLT_EVAL_METHOD == 0, "build for a processor mode without excess precision");
@@ -84,17 +81,6 @@ KeyVector AnimationKey::splitEach(unsigned int step) const {
     piece.duration = duration - full * step;
     pieces.push_back(piece);
     return pieces;
-}
-
-std::ostream& operator<<(std::ostream& out, const AnimationKey& key) {
-    return out << key.command << " over " + std::to_string(key.duration);
-}
-
-std::ostream& operator<<(std::ostream& out, const KeyVector& layer) {
-    const char* before = layer.empty() ? "no keys" : "";
-    for (const AnimationKey& key : layer)
-        out << std::exchange(before, ", ") << key;
-    return layer.empty() ? out << before : out;
 }
 
 } // namespace Kiv

@@ -1,11 +1,9 @@
 #include <animationmodel/AnimationKeyCommand.h>
 
-#include "refuse.h"
-#include "shortest.h"
+#include "text.h"
 
 #include <algorithm>
 #include <limits>
-#include <ostream>
 
 namespace Kiv {
 
@@ -38,25 +36,6 @@ void AnimationKeyCommand::_checkRightNumberOfArgs(AnimationKeyCommandEffect effe
                "correspond to the command (",
                given, " arguments given but ", expected, " expected for command ",
                static_cast<std::int32_t>(effect), ")");
-}
-
-namespace {
-
-std::string name_of(AnimationKeyCommandEffect effect) {
-    const char* const names[] = {"Transition", "Hold", "NoValue", "Wait"};
-    const auto index = static_cast<std::uint32_t>(effect);
-    if (index < std::size(names))
-        return names[index];
-    return "Effect " + std::to_string(static_cast<std::int32_t>(effect));
-}
-
-} // namespace
-
-std::ostream& operator<<(std::ostream& out, const AnimationKeyCommand& command) {
-    std::string text = name_of(command.effect);
-    for (const float& value : command.args)
-        text += (&value == command.args.data() ? " (" : ", ") + shortest(value);
-    return out << (command.args.empty() ? text : text + ")");
 }
 
 std::vector<float> make_vector(float a) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "refuse.h"
+#include "text.h"
 
 #include <animationmodel/AnimationKey.h>
 
