@@ -12,57 +12,82 @@ namespace Kiv {
 
 namespace {
 
-/// Frames of the shortest and of the longest layer; 0 without layers.
-struct Lengths {
-    unsigned int shortest, longest;
-    bool equal() const { return shortest == longest; }
-};
-
-Lengths checked_lengths(const LayerMap& layers) {
-    std::uint64_t shortest = layers.empty() ? 0 : maxFrame;
-    std::uint64_t longest = 0;
-    for (const auto& [name, keys] : layers) {
-        const std::uint64_t total = total_of(keys);
-        check_length(total, "Layer (", name, ") lasts ");
-        shortest = std::min(shortest, total);
-        longest = std::max(longest, total);
-    }
-    return {static_cast<unsigned int>(shortest), static_cast<unsigned int>(longest)};
+/// The layer of that name, created if it is missing: at once, if the name sorts after all others.
+KeyVector& layer_in(LayerMap& layers, const std::string& name) {
+    return layers.try_emplace(layers.end(), name)->second;
 }
+
+/// What each of some layers lasts, in the order of their names, and the longest of them.
+struct Totals {
+    explicit Totals(const LayerMap& layers) {
+        each.reserve(layers.size());
+        for (const auto& [name, keys] : layers) {
+            each.push_back(total_of(keys));
+            longest = std::max(longest, each.back());
+            equal = equal && each.back() == each.front();
+        }
+    }
+    unsigned int duration() const { return static_cast<unsigned int>(longest); }
+
+    std::vector<std::uint64_t> each;
+    std::uint64_t longest = 0;
+    bool equal = true; ///< Whether all of them last as long.
+};
 
 void check_frame_rate(float fps) {
     if (fps <= 0) // a NaN passes
         refuse("FPS should be strictly higher than 0");
 }
 
-/// Makes all checks that an animation of these parts has to pass once its layers are filled.
-Lengths check_parts(const LayerMap& layers, unsigned int introSize, unsigned int outroSize,
-                    float fps) {
+/// Makes the checks of every constructor, on the layers as they are.
+Totals check(const LayerMap& layers, unsigned int introSize, unsigned int outroSize, float fps) {
     check_frame_rate(fps);
-    const Lengths lengths = checked_lengths(layers);
-    const unsigned int duration = lengths.longest;
+    Totals totals(layers);
+    if (totals.longest >= frameLimit) {
+        auto total = totals.each.begin();
+        for (const auto& [name, keys] : layers)
+            check_length(*total++, "Layer (", name, ") lasts ");
+    }
+    const unsigned int duration = totals.duration();
     if (introSize > duration || outroSize > duration)
         refuse("Intro size (", introSize, ") and outro size (", outroSize,
                ") should be lower or equal to duration of the animation (", duration, ")");
     if (introSize + outroSize > duration)
         refuse("Intro (which size = ", introSize, ") and outro (which size = ", outroSize,
                ") should not overlap (animation duration = ", duration, ")");
-    return lengths;
+    return totals;
 }
 
-/// The layer of that name, created if it is missing: at once, if the name sorts behind all others.
-KeyVector& layer_in(LayerMap& layers, const std::string& name) {
-    return layers.try_emplace(layers.end(), name)->second;
+Totals check(const Animation& it) {
+    return check(it.layers, it.introSize, it.outroSize, it.fps);
 }
 
-/// Copies `layers`, which have these lengths, all filled up to the longest.
-LayerMap copy_filled(const LayerMap& layers, Lengths lengths) {
-    if (lengths.equal())
-        return layers;
-    LayerMap copy;
-    for (const auto& [name, keys] : layers)
-        filled(keys, total_of(keys), lengths.longest).appendTo(layer_in(copy, name));
+/// Fills up a layer that lasts `total` frames.
+void fill(KeyVector& layer, std::uint64_t total, unsigned int frames) {
+    if (total < frames)
+        layer.emplace_back(Wait, frames - static_cast<unsigned int>(total));
+}
+
+/// Fills up all layers to the longest.
+void fill_all(LayerMap& layers, const Totals& totals) {
+    if (totals.equal)
+        return;
+    auto total = totals.each.begin();
+    for (auto& [name, keys] : layers)
+        fill(keys, *total++, totals.duration());
+}
+
+LayerMap filled_copy(const LayerMap& layers, const Totals& totals) {
+    LayerMap copy = layers;
+    fill_all(copy, totals);
     return copy;
+}
+
+/// Checks and fills as every constructor does; returns the duration.
+unsigned int check_and_fill(Animation& animation) {
+    const Totals totals = check(animation);
+    fill_all(animation.layers, totals);
+    return totals.duration();
 }
 
 } // namespace
@@ -78,13 +103,12 @@ Animation::Animation(float fps) : introSize(0), outroSize(0), fps(fps) {
 Animation::Animation(const LayerMap& layers) : Animation(layers, 0, 0) {}
 
 Animation::Animation(const LayerMap& layers, unsigned int introSize, unsigned int outroSize)
-    : layers(copy_filled(layers, check_parts(layers, introSize, outroSize, defaultFps))),
+    : layers(filled_copy(layers, check(layers, introSize, outroSize, defaultFps))),
       introSize(introSize), outroSize(outroSize), fps(defaultFps) {}
 
 Animation::Animation(const Animation& other)
-    : layers(copy_filled(other.layers,
-                         check_parts(other.layers, other.introSize, other.outroSize, other.fps))),
-      introSize(other.introSize), outroSize(other.outroSize), fps(other.fps) {}
+    : layers(filled_copy(other.layers, check(other))), introSize(other.introSize),
+      outroSize(other.outroSize), fps(other.fps) {}
 
 Animation::Animation(Animation&& other) noexcept
     : introSize(std::exchange(other.introSize, 0)), outroSize(std::exchange(other.outroSize, 0)),
@@ -177,16 +201,10 @@ void edit_layer(LayerMap& layers, const std::string& name, const Edit& edit) {
     layers.emplace(name, std::move(created));
 }
 
-void fill(KeyVector& layer, unsigned int frames) {
-    const unsigned int total = Animation::durationInFramesOf(layer);
-    if (total < frames)
-        layer.emplace_back(Wait, frames - total);
-}
-
 } // namespace
 
 void Animation::fillInLayer(const std::string& name, unsigned int frames) {
-    edit_layer(layers, name, [&](KeyVector& layer) { fill(layer, frames); });
+    edit_layer(layers, name, [&](KeyVector& layer) { fill(layer, total_of(layer), frames); });
 }
 
 namespace {
@@ -194,7 +212,8 @@ namespace {
 void insert_keys(LayerMap& layers, const std::string& name, Keys keys, unsigned int frame) {
     if (!keys.empty())
         edit_layer(layers, name, [&](KeyVector& layer) {
-            replacement(layer, LayerCursor(layer), frame, 0, keys).commit();
+            LayerCursor cursor(layer);
+            Splice(layer, cursor, frame, 0, keys).commit();
         });
 }
 
@@ -223,7 +242,8 @@ void Animation::insertInLayer(const std::string& name, AnimationKeyCommandEffect
 
 void Animation::pushBackInLayer(const std::string& name, const KeyVector& keys) {
     edit_layer(layers, name, [&](KeyVector& layer) {
-        Splice(layer, layer.size(), {{}, keys, {}}, LayerCursor(Keys())).commit();
+        LayerCursor end{Keys()};
+        Splice(layer, end, 0, 0, keys).commit();
     });
 }
 
@@ -243,7 +263,8 @@ void Animation::pushBackInLayer(const std::string& name, AnimationKeyCommandEffe
 
 void Animation::removeInLayer(const std::string& name, unsigned int start, unsigned int count) {
     edit_layer(layers, name, [&](KeyVector& layer) {
-        replacement(layer, LayerCursor(layer), start, count, {}).commit();
+        LayerCursor cursor(layer);
+        Splice(layer, cursor, start, count, {}).commit();
     });
 }
 
@@ -253,18 +274,13 @@ bool is_wait(const AnimationKey& key) {
     return key.command.effect == Wait;
 }
 
-struct Built {
-    KeyVector keys;
-    unsigned int total; ///< Their frames.
-};
-
-/// What `layer`, which lasts `total` frames, becomes with `keys` laid over it from `position` on in
-/// an animation of `duration` frames.
-Built overridden(Keys layer, unsigned int total, unsigned int duration, Keys keys,
-                 unsigned int position) {
+/// What `layer` becomes with `keys` laid over it from `position` on, in an animation of `duration`
+/// frames. `length` is what it lasts, before and afterwards.
+KeyVector overridden(Keys layer, std::uint64_t& length, unsigned int duration, Keys keys,
+                     unsigned int position) {
     const unsigned int least = std::max(duration, static_cast<unsigned int>(total_of(keys)));
-    LayerCursor cursor(filled(layer, total, least));
-    total = std::max(total, least);
+    LayerCursor cursor(filled(layer, length, least));
+    length = std::max<std::uint64_t>(length, least);
     KeyVector result;
     result.reserve(layer.size() + keys.size() + 2);
     for (auto key = keys.begin(); key != keys.end();) {
@@ -280,140 +296,42 @@ Built overridden(Keys layer, unsigned int total, unsigned int duration, Keys key
         result.insert(result.end(), run.begin(), run.end());
         position += static_cast<unsigned int>(total_of(run));
         cursor.takeKeys(position);
-        total += position - cursor.frame;
+        length += position - cursor.frame;
         cursor.frame = position; // the key that the run ends inside follows it whole
         key = runEnd;
     }
     cursor.rest.appendTo(result);
-    return {std::move(result), total};
+    return result;
 }
 
 } // namespace
 
 void Animation::overrideLayerWith(const std::string& name, const KeyVector& keys,
                                   unsigned int frame) {
-    unsigned int total = 0;
     unsigned int duration = 0;
+    std::uint64_t length = 0;
     for (const auto& [other, layer] : layers) {
-        const unsigned int length = durationInFramesOf(layer);
-        duration = std::max(duration, length);
+        const std::uint64_t total = total_of(layer);
+        duration = std::max(duration, static_cast<unsigned int>(total));
         if (other == name)
-            total = length;
+            length = total;
     }
-    edit_layer(layers, name, [&](KeyVector& layer) {
-        layer = overridden(layer, total, duration, keys, frame).keys;
-    });
+    edit_layer(layers, name,
+               [&](KeyVector& layer) { layer = overridden(layer, length, duration, keys, frame); });
 }
 
 namespace {
 
-/// Checks `animation` and fills its layers, as copying it would; returns its duration.
-unsigned int fill_and_check(Animation& animation) {
-    const Lengths lengths =
-        check_parts(animation.layers, animation.introSize, animation.outroSize, animation.fps);
-    if (!lengths.equal())
-        for (auto& [name, keys] : animation.layers)
-            fill(keys, lengths.longest);
-    return lengths.longest;
-}
-
-/// What each of the layers lasts, in the order of their names, and the longest of them.
-struct Totals {
-    explicit Totals(const LayerMap& layers) {
-        each.reserve(layers.size());
-        for (const auto& [name, keys] : layers) {
-            each.push_back(Animation::durationInFramesOf(keys));
-            longest = std::max(longest, each.back());
-        }
-    }
-
-    std::vector<unsigned int> each;
-    unsigned int longest = 0;
-};
-
-/// Finds layers by name, each name behind the one before: one walk along the map for all of them.
-class AscendingSearch {
-public:
-    explicit AscendingSearch(LayerMap& map) : map(map), place(map.begin()) {}
-
-    /// The layer, or null. Calls `skip` with the place of each layer passed that was not looked
-    /// for.
-    template <class Skip>
-    KeyVector* find(const std::string& name, const Skip& skip) {
-        for (int order = -1; place != map.end() && order < 0;) {
-            order = place->first.compare(name);
-            if (order == 0)
-                return &(place++)->second;
-            if (order < 0)
-                skip(place++);
-        }
-        return nullptr;
-    }
-
-    /// Passes all layers that are left.
-    template <class Skip>
-    void finish(const Skip& skip) {
-        while (place != map.end())
-            skip(place++);
-    }
-
-private:
-    LayerMap& map;
-    LayerMap::iterator place;
-};
-
-/// Edits of the layers of one animation that are prepared one by one and then made all together.
-class Edits {
-public:
-    explicit Edits(LayerMap& layers) : layers(layers) {}
-    Edits(const Edits&) = delete; // splices refer to the gap
-    Edits& operator=(const Edits&) = delete;
-
-    /// Prepares to put `other`, whose layers all last `length` frames, in the place of the frames
-    /// [start, start + count) of every layer. Where it lacks a layer, a `Wait` key stands in. What
-    /// the layers last may be known before; then those that end by `start` are not walked.
-    void replace(unsigned int start, unsigned int count, LayerMap& other, unsigned int length,
-                 const Totals* totals = nullptr);
-
-    /// Makes the edits.
-    void commit() noexcept;
+/// Edits of layers that are prepared one by one and then made all together.
+struct Edits {
+    /// Makes them.
+    void commit(LayerMap& layers) noexcept;
 
     std::vector<Splice> splices;
-    LayerMap added;            ///< Layers under names that the animation lacks.
-    unsigned int duration = 0; ///< Of the animation before a replacement.
-
-private:
-    LayerMap& layers;
-    AnimationKey gap{Wait, 1};
+    LayerMap added; ///< Layers under new names.
 };
 
-void Edits::replace(unsigned int start, unsigned int count, LayerMap& other, unsigned int length,
-                    const Totals* totals) {
-    gap.duration = length;
-    const Keys missing(&gap, length > 0 ? 1 : 0);
-    const auto add = [&](LayerMap::iterator named) {
-        if (length == 0)
-            return;
-        if (start > 0)
-            named->second.insert(named->second.begin(), AnimationKey(Wait, start));
-        added.insert(added.end(), other.extract(named));
-    };
-    AscendingSearch theirs(other);
-    splices.reserve(layers.size());
-    for (auto& [name, layer] : layers) {
-        const KeyVector* found = theirs.find(name, add);
-        const std::size_t index = splices.size(); // of the layer
-        LayerCursor cursor(layer);
-        if (totals != nullptr && totals->each[index] <= start)
-            cursor = LayerCursor(Keys(), totals->each[index]); // at its end
-        splices.push_back(
-            replacement(layer, cursor, start, count, found != nullptr ? Keys(*found) : missing));
-        duration = std::max(duration, splices.back().lengthBefore());
-    }
-    theirs.finish(add);
-}
-
-void Edits::commit() noexcept {
+void Edits::commit(LayerMap& layers) noexcept {
     for (Splice& splice : splices)
         splice.commit();
     auto place = layers.begin();
@@ -423,6 +341,54 @@ void Edits::commit() noexcept {
             ++place;
         layers.insert(place, std::move(node));
     }
+}
+
+/// Walks two maps side by side: calls `visit` for each name with its place in either, or the end of
+/// the map that lacks it. `visit` may take out what it is given.
+template <class Ours, class Theirs, class Visit>
+void side_by_side(Ours& ours, Theirs& theirs, const Visit& visit) {
+    auto our = ours.begin();
+    auto their = theirs.begin();
+    while (our != ours.end() || their != theirs.end()) {
+        int order = 0; // below 0 for a name that only ours have
+        if (our == ours.end())
+            order = 1;
+        else if (their == theirs.end())
+            order = -1;
+        else
+            order = our->first.compare(their->first);
+        visit(order <= 0 ? our++ : ours.end(), order >= 0 ? their++ : theirs.end());
+    }
+}
+
+/// Puts `other`, whose layers all last `length` frames, in the place of the frames
+/// [start, start + count) of every layer, or changes nothing. Where it lacks a layer, a `Wait` key
+/// stands in; layers that it alone has are moved. `cursor_in` gives a cursor in each layer, at or
+/// before `start`. Returns the duration before.
+template <class CursorIn>
+unsigned int replace_frames(LayerMap& layers, unsigned int start, unsigned int count,
+                            LayerMap& other, unsigned int length, CursorIn cursor_in) {
+    const AnimationKey gap(Wait, std::max(1U, length));
+    const Keys missing(&gap, length > 0 ? 1 : 0);
+    Edits edits;
+    edits.splices.reserve(layers.size());
+    unsigned int duration = 0;
+    side_by_side(layers, other, [&](auto ours, auto theirs) {
+        if (ours != layers.end()) {
+            KeyVector& layer = ours->second;
+            const Keys keys = theirs != other.end() ? Keys(theirs->second) : missing;
+            LayerCursor cursor = cursor_in(layer);
+            edits.splices.emplace_back(layer, cursor, start, count, keys);
+            duration = std::max(duration, cursor.end());
+        } else if (length > 0) {
+            KeyVector& keys = theirs->second;
+            if (start > 0)
+                keys.insert(keys.begin(), AnimationKey(Wait, start));
+            edits.added.insert(edits.added.end(), other.extract(theirs));
+        }
+    });
+    edits.commit(layers);
+    return duration;
 }
 
 /// The outro's first frame for edits, in an animation of `duration` frames: an outro longer than
@@ -454,26 +420,28 @@ void widen_sizes(Animation& animation, unsigned int duration, unsigned int frame
 } // namespace
 
 void Animation::insert(Animation other, unsigned int frame) {
-    const unsigned int length = fill_and_check(other);
+    const unsigned int length = check_and_fill(other);
     if (length == 0)
         return;
-    Edits edits(layers);
-    edits.replace(frame, 0, other.layers, length);
-    edits.commit();
-    widen_sizes(*this, edits.duration, frame, length);
+    const unsigned int duration =
+        replace_frames(layers, frame, 0, other.layers, length,
+                       [](const KeyVector& layer) { return LayerCursor(layer); });
+    widen_sizes(*this, duration, frame, length);
 }
 
 void Animation::pushBack(Animation other, bool keepOutro, bool keepIntro) {
     if (!keepIntro)
         other.remove(0, other.introSize);
-    const unsigned int length = fill_and_check(other);
+    const unsigned int length = check_and_fill(other);
     const Totals totals(layers);
-    const unsigned int duration = totals.longest;
+    const unsigned int duration = totals.duration();
     const unsigned int end =
         keepOutro ? duration : std::min(duration, outro_begin(*this, duration));
-    Edits edits(layers);
-    edits.replace(end, duration - end, other.layers, length, &totals);
-    edits.commit();
+    auto total = totals.each.begin();
+    replace_frames(layers, end, duration - end, other.layers, length, [&](const KeyVector& layer) {
+        const auto last = static_cast<unsigned int>(*total++);
+        return last <= end ? LayerCursor(Keys(), last) : LayerCursor(layer);
+    });
     shrink_sizes(*this, duration, end, duration - end);
     widen_sizes(*this, end, end, length);
     outroSize = other.outroSize;
@@ -482,33 +450,40 @@ void Animation::pushBack(Animation other, bool keepOutro, bool keepIntro) {
 void Animation::remove(unsigned int start, unsigned int count) {
     if (count == 0)
         return;
-    LayerMap none;
-    Edits edits(layers);
-    edits.replace(start, count, none, 0);
-    if (edits.duration <= start)
+    Edits edits;
+    edits.splices.reserve(layers.size());
+    unsigned int duration = 0;
+    for (auto& [name, layer] : layers) {
+        LayerCursor cursor(layer);
+        edits.splices.emplace_back(layer, cursor, start, count, Keys());
+        duration = std::max(duration, cursor.end());
+    }
+    if (duration <= start)
         return;
-    edits.commit();
-    shrink_sizes(*this, edits.duration, start, count);
+    edits.commit(layers);
+    shrink_sizes(*this, duration, start, count);
 }
 
 void Animation::overrideLayersWith(const Animation& other, unsigned int frame) {
     const Totals totals(layers);
     auto total = totals.each.begin();
-    unsigned int duration = totals.longest;
-    Edits edits(layers);
+    unsigned int duration = totals.duration();
+    Edits edits;
     edits.splices.reserve(other.layers.size());
-    AscendingSearch ours(layers);
-    for (const auto& [name, keys] : other.layers) {
-        KeyVector* layer = ours.find(name, [&](auto /*passed*/) { ++total; });
-        Built result = layer != nullptr ? overridden(*layer, *total++, duration, keys, frame)
-                                        : overridden({}, 0, duration, keys, frame);
-        duration = std::max(duration, result.total);
-        if (layer != nullptr)
-            edits.splices.emplace_back(*layer, std::move(result.keys));
+    side_by_side(layers, other.layers, [&](auto ours, auto theirs) {
+        const bool created = ours == layers.end();
+        std::uint64_t length = created ? 0 : *total++;
+        if (theirs == other.layers.end())
+            return;
+        const Keys layer = created ? Keys() : Keys(ours->second);
+        KeyVector result = overridden(layer, length, duration, theirs->second, frame);
+        duration = std::max(duration, static_cast<unsigned int>(length));
+        if (created)
+            layer_in(edits.added, theirs->first) = std::move(result);
         else
-            layer_in(edits.added, name) = std::move(result.keys);
-    }
-    edits.commit();
+            edits.splices.emplace_back(ours->second, std::move(result));
+    });
+    edits.commit(layers);
 }
 
 void Animation::setFPSToFitDurationInSeconds(float seconds) {
@@ -539,35 +514,38 @@ void Animation::introBodyOutroLayers(LayerMap& intro, LayerMap& body, LayerMap& 
 
 namespace {
 
-/// How one layer after another is looped.
+/// How the layers of one animation are looped.
 struct Looping {
     unsigned int introSize, outroStart, repeats; ///< The body plays once more than `repeats`.
     bool repeatIntro, repeatOutro;
-    KeyVector repeated; ///< What comes back, of the last layer.
 
-    void append(KeyVector& out, const Stretch& layer) {
+    KeyVector looped(const Stretch& layer) const {
         LayerCursor cursor(layer);
         const Stretch intro = cursor.takeFrames(introSize);
         const Stretch rest = cursor.rest;
-        repeated.clear();
-        cursor.takeFrames(outroStart).appendTo(repeated);
-        if (repeatOutro)
-            cursor.rest.appendTo(repeated);
-        if (repeatIntro)
-            intro.appendTo(repeated);
+        const Stretch body = cursor.takeFrames(outroStart);
+        const Stretch outro = repeatOutro ? cursor.rest : Stretch();
+        const Stretch introAgain = repeatIntro ? intro : Stretch();
+        const std::size_t repeated = body.size() + outro.size() + introAgain.size();
 
-        out.reserve(intro.size() + repeats * repeated.size() + rest.size());
-        intro.appendTo(out);
-        for (unsigned int i = 0; i < repeats; ++i)
-            out.insert(out.end(), repeated.begin(), repeated.end());
-        rest.appendTo(out);
+        KeyVector result;
+        result.reserve(intro.size() + repeats * repeated + rest.size());
+        intro.appendTo(result);
+        for (unsigned int i = 0; i < repeats; ++i) {
+            body.appendTo(result);
+            outro.appendTo(result);
+            introAgain.appendTo(result);
+        }
+        rest.appendTo(result);
+        return result;
     }
 };
 
 } // namespace
 
 Animation Animation::loop(unsigned int count, bool repeatIntro, bool repeatOutro) const {
-    const unsigned int duration = check_parts(layers, introSize, outroSize, fps).longest;
+    const Totals totals = check(*this);
+    const unsigned int duration = totals.duration();
     const unsigned int outroStart = duration - outroSize;
     if (count == 0) {
         Animation result(*this);
@@ -587,9 +565,10 @@ Animation Animation::loop(unsigned int count, bool repeatIntro, bool repeatOutro
     Animation result(fps);
     result.introSize = introSize;
     result.outroSize = outroSize;
-    Looping looping{introSize, outroStart, repeats, repeatIntro, repeatOutro, {}};
+    const Looping looping{introSize, outroStart, repeats, repeatIntro, repeatOutro};
+    auto total = totals.each.begin();
     for (const auto& [name, keys] : layers)
-        looping.append(layer_in(result.layers, name), filled(keys, total_of(keys), duration));
+        layer_in(result.layers, name) = looping.looped(filled(keys, *total++, duration));
     return result;
 }
 
@@ -663,7 +642,7 @@ std::vector<Animation> Animation::splitEach(unsigned int step, bool keepIntro,
 }
 
 void Animation::_checkAttr() {
-    check_parts(layers, introSize, outroSize, fps);
+    check(*this);
 }
 
 namespace {
@@ -710,11 +689,11 @@ void Animation::_removeKeysOnTheWay(unsigned int& frame, KeyVector::iterator& it
 void Animation::_removeKeys(unsigned int& frame, KeyVector::iterator& it, KeyVector& layer,
                             unsigned int start, unsigned int count) {
     unsigned int passed = frame;
-    auto behind = it;
-    _goToFrame(passed, behind, end_of_range(start, count), layer);
-    const auto left = layer.end() - behind;
-    Splice removed = replacement(layer, LayerCursor(keys_from(layer, it), frame), start, count, {});
-    removed.commit();
+    auto after = it;
+    _goToFrame(passed, after, end_of_range(start, count), layer);
+    const auto left = layer.end() - after;
+    LayerCursor cursor(keys_from(layer, it), frame);
+    Splice(layer, cursor, start, count, {}).commit();
     it = layer.end() - left;
     frame = left > 0 ? std::max(passed, start) : passed;
 }

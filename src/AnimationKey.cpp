@@ -3,39 +3,7 @@
 #include "take_head.h"
 #include "text.h"
 
-#include <cfloat>
-
-// The values at a cut are exact to the bit only if each step is rounded to single precision.
-static_assert(FLT_EVAL_METHOD == 0, "build for a processor mode without excess precision");
-#ifdef __FAST_MATH__
-#error "build without -ffast-math"
-#endif
-
 namespace Kiv {
-
-namespace {
-
-bool moves(const AnimationKey& key) {
-    return key.command.effect == Transition && key.command.args.size() == 2;
-}
-
-} // namespace
-
-AnimationKey take_head(AnimationKey& key, unsigned int frame) {
-    AnimationKey head = key;
-    if (moves(key)) {
-        const float start = key.command.args[0];
-        const float way = key.command.args[1] - start;
-        const float scaled = static_cast<float>(frame) * way;
-        const float passed = scaled / static_cast<float>(key.duration);
-        const float middle = passed + start;
-        head.command.args[1] = middle;
-        key.command.args[0] = middle;
-    }
-    head.duration = frame;
-    key.duration -= frame;
-    return head;
-}
 
 AnimationKey::AnimationKey(const AnimationKeyCommand& command, unsigned int duration)
     : command(command), duration(duration) {

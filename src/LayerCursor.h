@@ -1,8 +1,11 @@
 #pragma once
 
 #include "frames.h"
+#include "take_head.h"
 
+#include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace Kiv {
 
@@ -37,8 +40,78 @@ struct LayerCursor {
     /// Takes the frames before `target`: these keys, and the piece of the key across it.
     Stretch takeFrames(unsigned int target);
 
+    /// The frame on which the layer ends.
+    unsigned int end() const;
+
     unsigned int frame = 0;
     Stretch rest;
 };
+
+inline void Stretch::writeTo(KeyVector::iterator place) const {
+    if (front)
+        *place++ = *front;
+    place = std::copy(run.begin(), run.end(), place);
+    if (back)
+        *place = *back;
+}
+
+inline void Stretch::appendTo(KeyVector& out) const {
+    const std::size_t needed = out.size() + size();
+    if (needed > out.capacity())
+        out.reserve(std::max(needed, 2 * out.capacity()));
+    if (front)
+        out.push_back(*front);
+    out.insert(out.end(), run.begin(), run.end());
+    if (back)
+        out.push_back(*back);
+}
+
+inline Stretch filled(Keys layer, std::uint64_t total, unsigned int frames) {
+    Stretch result{{}, layer, {}};
+    if (total < frames)
+        result.back = AnimationKey(Wait, frames - static_cast<unsigned int>(total));
+    return result;
+}
+
+/// Takes `key`, if there is one and it ends at or before `target`.
+inline std::optional<AnimationKey> take_key(std::optional<AnimationKey>& key, unsigned int& frame,
+                                            unsigned int target) {
+    if (!key || pass_keys(frame, {&*key, 1}, target) == 0)
+        return std::nullopt;
+    return std::exchange(key, std::nullopt);
+}
+
+inline Stretch LayerCursor::takeKeys(unsigned int target) {
+    Stretch taken;
+    taken.front = take_key(rest.front, frame, target);
+    if (rest.front)
+        return taken;
+    taken.run = rest.run.first(pass_keys(frame, rest.run, target));
+    rest.run = rest.run.subspan(taken.run.size());
+    if (rest.run.empty())
+        taken.back = take_key(rest.back, frame, target);
+    return taken;
+}
+
+inline Stretch LayerCursor::takeFrames(unsigned int target) {
+    Stretch taken = takeKeys(target);
+    if (target <= frame || rest.size() == 0)
+        return taken;
+    if (!rest.front && rest.run.empty()) {
+        rest.front = std::exchange(rest.back, std::nullopt);
+    } else if (!rest.front) {
+        rest.front = rest.run.front();
+        rest.run = rest.run.subspan(1);
+    }
+    taken.back = take_head(*rest.front, target - std::exchange(frame, target));
+    return taken;
+}
+
+inline unsigned int LayerCursor::end() const {
+    std::uint64_t end = frame + total_of(rest.run);
+    for (const auto& piece : {rest.front, rest.back})
+        end += piece ? piece->duration : 0;
+    return static_cast<unsigned int>(end);
+}
 
 } // namespace Kiv

@@ -36,7 +36,7 @@ void Rotation::_init() {
     KeyVector* rows[outputs];
     std::string name = "FaceLed0";
     for (unsigned int i = 0; i < outputs; ++i, ++name.back()) {
-        rows[i] = &built.try_emplace(built.end(), name)->second;
+        rows[i] = &built[name];
         KeyVector keys;
         keys.reserve(rows[i]->size() + pulses.size() + 2);
         if (i > 0)

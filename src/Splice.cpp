@@ -20,28 +20,27 @@ bool stands_in(Keys run, const KeyVector& layer) {
 
 } // namespace
 
-Splice::Splice(KeyVector& layer, std::size_t kept, const Stretch& row, const LayerCursor& behind)
-    : layer(&layer), first(kept), last(layer.size() - behind.rest.run.size()),
-      lastFrame(behind.frame), row(row) {
-    if (behind.rest.front) {
-        lastFrame += behind.rest.front->duration;
-        this->row.back = behind.rest.front;
-    }
-    const std::size_t size = layer.size() - (last - first) + this->row.size();
-    if (size <= layer.capacity() && !stands_in(row.run, layer))
+Splice::Splice(KeyVector& layer, LayerCursor& cursor, unsigned int start, unsigned int count,
+               Keys keys)
+    : layer(&layer), row{cursor.takeFrames(start).back, keys, {}} {
+    first = layer.size() - cursor.rest.size(); // of a key that was cut, the rest is to come
+    if (cursor.frame < start && !keys.empty())
+        row.front = AnimationKey(Wait, start - cursor.frame);
+    cursor.takeFrames(end_of_range(start, count));
+    row.back = cursor.rest.front;
+    last = layer.size() - cursor.rest.run.size();
+
+    const std::size_t size = layer.size() - (last - first) + row.size();
+    if (size <= layer.capacity() && !stands_in(keys, layer))
         return;
     built.reserve(std::max(size, 2 * layer.size()));
     built.insert(built.end(), layer.begin(), at(layer, first));
-    this->row.appendTo(built);
+    row.appendTo(built);
     built.insert(built.end(), at(layer, last), layer.end());
 }
 
 Splice::Splice(KeyVector& layer, KeyVector keys)
-    : layer(&layer), first(0), last(layer.size()), lastFrame(0), built(std::move(keys)) {}
-
-unsigned int Splice::lengthBefore() const {
-    return lastFrame + static_cast<unsigned int>(total_of(Keys(*layer).subspan(last)));
-}
+    : layer(&layer), first(0), last(layer.size()), built(std::move(keys)) {}
 
 void Splice::commit() noexcept {
     if (!built.empty()) {
@@ -59,17 +58,6 @@ void Splice::commit() noexcept {
     else
         layer->erase(at(*layer, end), at(*layer, last));
     row.writeTo(at(*layer, first));
-}
-
-Splice replacement(KeyVector& layer, LayerCursor cursor, unsigned int start, unsigned int count,
-                   Keys keys) {
-    cursor.takeKeys(start);
-    const std::size_t kept = layer.size() - cursor.rest.run.size();
-    Stretch row{cursor.takeFrames(start).back, keys, {}};
-    if (cursor.frame < start && !keys.empty())
-        row.front = AnimationKey(Wait, start - cursor.frame);
-    cursor.takeFrames(end_of_range(start, count));
-    return Splice(layer, kept, row, cursor);
 }
 
 } // namespace Kiv

@@ -9,16 +9,15 @@ namespace Kiv {
 /// layers first constructs all its splices and then commits them.
 class Splice {
 public:
-    /// Prepares to have the layer consist of its first `kept` keys, of `row`, and of what `behind`,
-    /// which reads the layer, has still to come. The layer and the run of `row`, which may be any
-    /// part of the layer, must stay until the commit.
-    Splice(KeyVector& layer, std::size_t kept, const Stretch& row, const LayerCursor& behind);
+    /// Prepares to put `keys` in the place of the frames [start, start + count) of `layer`, after a
+    /// `Wait` key if the layer ends before. `cursor` stands in the layer, at or before `start`;
+    /// afterwards it stands at the end of the range. The layer and `keys`, which may be any part of
+    /// the layer, must stay until the commit. Every insertion and removal is made here.
+    Splice(KeyVector& layer, LayerCursor& cursor, unsigned int start, unsigned int count,
+           Keys keys);
 
     /// Prepares to have the layer consist of `keys`.
     Splice(KeyVector& layer, KeyVector keys);
-
-    /// Frames of the layer before the commit. Costs the keys behind the edit.
-    unsigned int lengthBefore() const;
 
     /// Changes the layer; once.
     void commit() noexcept;
@@ -26,15 +25,8 @@ public:
 private:
     KeyVector* layer;
     std::size_t first, last; ///< The keys [first, last) give way.
-    unsigned int lastFrame;  ///< At which key `last` begins.
     Stretch row;             ///< What takes their place.
     KeyVector built;         ///< The layer as it will be, if it cannot be changed in place.
 };
-
-/// Puts `keys` in the place of the frames [start, start + count) of `layer`, behind a `Wait` key if
-/// the layer ends before. `cursor` stands in the layer, at or before `start`. Every insertion and
-/// removal is made here.
-Splice replacement(KeyVector& layer, LayerCursor cursor, unsigned int start, unsigned int count,
-                   Keys keys);
 
 } // namespace Kiv
