@@ -39,7 +39,12 @@ rect.none { fill: none; stroke: #8c959f; stroke-dasharray: 3 3; }
 std::string escaped(const std::string& text) {
     std::string result;
     for (const char c : text)
-        result += c == '<' ? "&lt;" : c == '>' ? "&gt;" : c == '&' ? "&amp;" : std::string(1, c);
+        switch (c) {
+        case '<': result += "&lt;"; break;
+        case '>': result += "&gt;"; break;
+        case '&': result += "&amp;"; break;
+        default: result += c;
+        }
     return result;
 }
 
@@ -56,7 +61,9 @@ public:
         for (const auto& [name, layer] : animation.layers)
             longest = std::max(longest, width_of(name));
         left = margin + std::min(longest, pageWidth / 4) + 12;
-        perRow = small() ? 32 : longest > 40 ? 8 : 16;
+        perRow = longest > 40 ? 8 : 16;
+        if (small())
+            perRow = 32;
         lanes = 60 + (count() + perRow - 1) / perRow * lampHeight() + 24;
         height = lanes + laneHeight * count() + 58;
     }
@@ -129,9 +136,11 @@ private:
 
     /// The part of the duration that is over at `frame`: 0 to 1.
     std::string time_of(unsigned int frame) const {
+        if (frame == duration)
+            return "1";
         const auto millionths = std::uint64_t{frame} * 1000000 / duration;
         const std::string digits = std::to_string(1000000 + millionths);
-        return digits.substr(0, 1) == "2" ? "1" : digits.substr(1).insert(0, 1, '.');
+        return digits.substr(1).insert(0, 1, '.');
     }
 
     void lamp(int index, const std::string& name, const KeyVector& layer) {
@@ -184,18 +193,19 @@ private:
             << "\" height=\"" << laneHeight - 4 << "\" rx=\"2\" class=\""
             << (fill.empty() ? "none" : "key\" fill=\"") << fill << "\"><title>" << key.duration
             << " frames from " << begin << "</title></rect>\n";
-        const std::string first =
-            args.empty() ? key.command.effect == Wait ? "Wait" : "NoValue" : label(args[0]);
+        const std::string none = key.command.effect == Wait ? "Wait" : "NoValue";
+        const std::string first = args.empty() ? none : label(args[0]);
         const std::string second = moves ? label(args[1]) : "";
         if (width_of(first + second) + (moves ? 8 : 2) > width)
             return;
         if (args.empty())
             text(x + width / 2, y + 14, "none", first);
-        else
-            text(moves ? x + 3 : x + width / 2, y + 14,
-                 std::string(moves ? "from " : "hold ").append(on(args[0])), first);
-        if (moves)
-            text(x + width - 3, y + 14, std::string("to ").append(on(args[1])), second);
+        else if (!moves)
+            text(x + width / 2, y + 14, "hold " + on(args[0]), first);
+        else {
+            text(x + 3, y + 14, "from " + on(args[0]), first);
+            text(x + width - 3, y + 14, "to " + on(args[1]), second);
+        }
     }
 
     /// How to write over the colour of a value.

@@ -32,7 +32,8 @@ void add(CLI::App& app, const Option& option) {
     app.add_option_function<Words>(option.name, take, option.help)
         ->expected(static_cast<int>(1 + std::ranges::count(option.words, ' ')))
         ->allow_extra_args(false)
-        ->type_name(option.words)
+        ->type_name("")
+        ->option_text(option.words)
         ->trigger_on_parse()
         ->check([dashes](const std::string& word) {
             const bool negative = word[0] == '-' && word[1] >= '0' && word[1] <= '9';
@@ -53,7 +54,12 @@ int Program::run(int argc, char** argv) const {
         for (const Option& option : options)
             add(app, option);
         try {
-            app.parse(argc, argv);
+            Words words(argv + 1, argv + argc);
+            for (std::string& word : words)
+                if (word.starts_with("-.")) // a number, for which the parser wants a digit
+                    word.insert(1, 1, '0');
+            std::ranges::reverse(words); // as the parser takes them
+            app.parse(words);
         } catch (const CLI::CallForHelp& help) {
             return app.exit(help);
         }

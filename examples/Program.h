@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/// What a program that was asked for the right thing could not do.
+/// What a program could not do although its arguments are right.
 struct Failure : std::runtime_error {
     using runtime_error::runtime_error;
 };
@@ -16,16 +16,21 @@ using Words = std::vector<std::string>;
 /// What may stand on a command line.
 struct Option {
     std::string name;  ///< With dashes; without, a word that stands alone.
-    std::string words; ///< Names of the words that have to follow, "FROM TO".
+    std::string words; ///< Names of the words that have to follow it, such as "FROM TO".
     std::string help;  ///< What it is for.
     /// Is called with the words, each time it is given; throws std::runtime_error to refuse them.
     std::function<void(const Words&)> take;
 };
 
 struct Program {
-    /// Takes the options in the order they are given in, then runs `body`, or tells what there is
-    /// if asked for help. Returns the status: 0, or with one line that says why 1 for a Failure of
-    /// `body` or to write the standard output, and 2 for all else that is thrown.
+    /// Takes the options in the order they are given in, then runs `body`. Asked for help, prints
+    /// the options instead. Returns the status:
+    ///
+    ///     0    all went well
+    ///     1    `body` threw a Failure, or the standard output could not be written
+    ///     2    anything else was thrown
+    ///
+    /// Where it is not 0, one line on the standard error says why.
     int run(int argc, char** argv) const;
 
     std::string name;

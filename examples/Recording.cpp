@@ -1,5 +1,6 @@
 #include "Recording.h"
 
+#include "Console.h"
 #include "Terminal.h"
 #include "number.h"
 
@@ -15,16 +16,16 @@ namespace {
 
 constexpr unsigned int most = std::numeric_limits<unsigned int>::max();
 
-/// Takes a number and the sign `behind` it, or the end, off the front of `text`.
+/// Takes a number and the sign `after` it, or the end, off the front of `text`.
 /// Throws std::runtime_error that calls it `name` if it is none, or more than `greatest`.
-unsigned int take_number(std::string_view& text, char behind, unsigned int greatest,
+unsigned int take_number(std::string_view& text, char after, unsigned int greatest,
                          const char* name) {
-    const std::string_view word = text.substr(0, text.find(behind));
-    unsigned int number = 0;
-    if (!parse(word, number) || number > greatest)
+    const std::string_view word = text.substr(0, text.find(after));
+    const auto number = parse<unsigned int>(word);
+    if (!number || *number > greatest)
         throw std::runtime_error(std::string(name) + " cannot be \"" + std::string(word) + "\"");
     text.remove_prefix(std::min(text.size(), word.size() + 1));
-    return number;
+    return *number;
 }
 
 struct Channel {
@@ -66,7 +67,7 @@ struct Reader {
 
     void readValues(std::string_view line) {
         if (line.find(' ') == std::string_view::npos)
-            throw std::runtime_error("a universe needs a space and values behind it");
+            throw std::runtime_error("a universe needs a space and values after it");
         const unsigned int universe = take_number(line, ' ', most, "a universe");
         std::vector<Channel>& row = channels[universe];
         unsigned int count = 0;
@@ -92,13 +93,6 @@ struct Reader {
 
 } // namespace
 
-std::string channel_name(unsigned int universe, unsigned int channel) {
-    std::string digits = std::to_string(universe);
-    digits.insert(0, universe > 9999 ? 10 - digits.size() : 4 - digits.size(), '0');
-    digits.insert(0, universe > 9999 ? 1 : 0, ':'); // which sorts behind all digits
-    return digits.append(".").append(std::to_string(1000 + channel).substr(1));
-}
-
 Animation read_recording(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     std::error_code unknown; // where it is no regular file
@@ -118,31 +112,6 @@ Animation read_recording(const std::string& path) {
     if (reader.lines == 0 || file.bad())
         throw std::runtime_error(path + ":1: cannot be read, or is empty");
     return reader.finish();
-}
-
-Console::Console(const LayerMap& layers) : player(layers) {
-    for (const Track& track : player) {
-        std::string_view name = track.name();
-        name.remove_prefix(name.starts_with(':') ? 1 : 0);
-        const unsigned int universe = take_number(name, '.', most, "a universe");
-        places.emplace_back(universe, take_number(name, '\0', 512, "a channel") - 1);
-    }
-}
-
-const Universes& Console::seek(unsigned int frame) {
-    player.seek(frame);
-    next = most;
-    for (auto& [number, values] : universes)
-        values.clear();
-    for (std::size_t i = 0; i < player.size(); ++i) {
-        next = std::min(next, player[i].nextChange());
-        std::vector<std::uint8_t>& values = universes[places[i].first];
-        if (const auto value = player[i].value()) {
-            values.resize(places[i].second + 1);
-            values.back() = static_cast<std::uint8_t>(std::lround(std::clamp(*value, 0.F, 255.F)));
-        }
-    }
-    return universes;
 }
 
 void write_recording(std::ostream& out, const Animation& show) {

@@ -33,7 +33,7 @@ public:
             longest = std::max(longest, name.size());
         margin = static_cast<unsigned int>(std::min<std::size_t>(longest + 1, width / 2));
         room = width - margin;
-        scale = std::max(1U, (duration + room - 2) / (room - 1)); // a bar stands behind the last
+        scale = std::max(1U, (duration + room - 2) / (room - 1)); // a bar stands after the last
         columns = (duration + scale - 1) / scale;
     }
 

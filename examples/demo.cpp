@@ -30,15 +30,15 @@ struct Options {
 
 /// Takes a number of at least 1 frame.
 void take(const Words& words, unsigned int& frames) {
-    if (!parse(words[0], frames) || frames == 0)
+    const auto number = parse<unsigned int>(words[0]);
+    if (number.value_or(0) == 0)
         throw std::runtime_error("cannot be \"" + words[0] + "\", but 1 or more frames");
+    frames = *number;
 }
 
 /// Takes a finite number; one too small for a float is 0.
 void take(const Words& words, float& value) {
-    double number = NAN;
-    parse(words[0], number);
-    value = static_cast<float>(number);
+    value = static_cast<float>(parse<double>(words[0]).value_or(NAN));
     if (!std::isfinite(value))
         throw std::runtime_error("cannot be \"" + words[0] + "\"");
 }

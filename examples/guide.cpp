@@ -104,7 +104,7 @@ int main(int argc, char** argv) {
     }
 
     Animation show = recording();
-    show.remove(3000, 1000); // the out point: nothing behind 3 s
+    show.remove(3000, 1000); // the out point: nothing after 3 s
     show.remove(0, 500);     // the in point: 0.5 s later
     show.introSize = 1000;   // this happens only once
     show = show.loop(2, /*repeatIntro=*/false, /*repeatOutro=*/false);

@@ -1,5 +1,6 @@
 // Edits recorded light shows: reads one, applies the edits in the order given, writes or plays it.
 
+#include "Console.h"
 #include "Picture.h"
 #include "Program.h"
 #include "Recording.h"
@@ -22,9 +23,11 @@ using File = std::string;
 template <unsigned int least, unsigned int greatest>
 struct Number {
     explicit Number(const std::string& word) {
-        if (!parse(word, value) || value < least || value > greatest)
+        const auto number = parse<unsigned int>(word);
+        if (!number || *number < least || *number > greatest)
             throw std::runtime_error("needs a number from " + std::to_string(least) + " to " +
                                      std::to_string(greatest) + ", not \"" + word + "\"");
+        value = *number;
     }
     operator unsigned int() const { return value; }
     unsigned int value = 0;
@@ -35,10 +38,9 @@ template <unsigned int least>
 struct Milliseconds {
     explicit Milliseconds(const std::string& word) {
         const bool seconds = word.ends_with('s');
-        double time = -1;
-        const bool parsed = parse({word.data(), word.size() - (seconds ? 1 : 0)}, time);
-        time = std::round(seconds ? time * 1000 : time);
-        if (!parsed || !(time >= least && time <= mostFrames))
+        const auto number = parse<double>({word.data(), word.size() - (seconds ? 1 : 0)});
+        const double time = std::round(number.value_or(NAN) * (seconds ? 1000 : 1));
+        if (!(time >= least && time <= mostFrames))
             throw std::runtime_error(std::string("a time ") + (least > 0 ? "above 0 " : "") +
                                      "such as 1500 or 1.5s cannot be \"" + word + "\"");
         frames = static_cast<unsigned int>(time);
@@ -49,11 +51,14 @@ struct Milliseconds {
 using Time = Milliseconds<0>;
 using Duration = Milliseconds<1>;
 
-unsigned int length(Time from, Time to) {
-    if (from >= to)
-        throw std::runtime_error("TO has to come behind FROM");
-    return to - from;
-}
+/// The milliseconds from one time up to another.
+struct Range {
+    Range(Time from, Time to) : begin(from), end(to) {
+        if (begin >= end)
+            throw std::runtime_error("TO has to come after FROM");
+    }
+    unsigned int begin, end;
+};
 
 void rotation(Animation& show, Number<0, 255> pulse, Number<0, 255> rest, Duration rise,
               Duration fall, Duration step) {
@@ -121,7 +126,12 @@ void draw(const Animation& show, const File& file) {
 using Action = std::function<void(Animation&)>;
 using Actions = std::vector<Action>;
 
-/// `act` with the words behind an option for arguments.
+Action action(void (*act)(Animation&, Range), const Words& words) {
+    const Range range{Time(words[0]), Time(words[1])};
+    return [=](Animation& show) { act(show, range); };
+}
+
+/// `act` with the words after an option for arguments.
 template <class Show, class... Arguments>
 Action action(void (*act)(Show, Arguments...), const Words& words) {
     auto word = words.begin();
@@ -166,13 +176,12 @@ int main(int argc, char** argv) {
         [](Animation& show, const File& file) { show = read_recording(file); });
     add(inputs, "--rotation", "PULSE REST RISE FALL STEP",
         "instead: the preset on channels 1 to 8 of universe 1", rotation);
-    add(edits, "--keep", "FROM TO", "keeps what lies between",
-        [](Animation& show, Time from, Time to) {
-            show.remove(from + length(from, to), mostFrames);
-            show.remove(0, from);
-        });
+    add(edits, "--keep", "FROM TO", "keeps what lies between", [](Animation& show, Range range) {
+        show.remove(range.end, mostFrames);
+        show.remove(0, range.begin);
+    });
     add(edits, "--remove", "FROM TO", "removes what lies between",
-        [](Animation& show, Time from, Time to) { show.remove(from, length(from, to)); });
+        [](Animation& show, Range range) { show.remove(range.begin, range.end - range.begin); });
     add(edits, "--insert", "FILE AT", "inserts a recording",
         [](Animation& show, const File& file, Time at) { show.insert(read_recording(file), at); });
     add(edits, "--append", "FILE", "appends a recording",

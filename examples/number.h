@@ -1,12 +1,16 @@
 #pragma once
 
 #include <charconv>
+#include <optional>
 #include <string_view>
 
-/// Whether `word` is a number, and nothing else; then it becomes the value of `number`.
+/// The number that `word` is; none if it is anything else, or more than a number.
 template <class Value>
-bool parse(std::string_view word, Value& number) {
+std::optional<Value> parse(std::string_view word) {
+    Value number{};
     const char* const last = word.data() + word.size();
     const auto [end, error] = std::from_chars(word.data(), last, number);
-    return error == std::errc() && end == last;
+    if (error != std::errc() || end != last)
+        return std::nullopt;
+    return number;
 }

@@ -1,7 +1,7 @@
 #include "play.h"
 
+#include "Console.h"
 #include "Program.h"
-#include "Recording.h"
 #include "Terminal.h"
 
 #include <chrono>

@@ -13,7 +13,11 @@ expect() { # status, what is said first on stderr, arguments
 }
 expect 0 '' -h
 expect 0 '' 1.5 -1 2
+expect 0 '' -.5 1e-3
 expect 2 'demo: PULSE: cannot be "nan"' nan
+expect 2 'demo: PULSE: cannot be "2abc"' 2abc
+expect 2 'demo: PULSE: cannot be "0x10"' 0x10
+expect 2 'demo: RISE: cannot be "0", but 1 or more frames' 1 0 0
 expect 2 'demo: FALL: cannot be "-3"' 1 0 4 -3
 expect 2 'demo: STEP: cannot be "4294967296"' 1 0 4 10 4294967296
 expect 2 'demo: --svg: ' --svg
@@ -23,4 +27,14 @@ expect 2 'demo: cannot write ./none/a.svg: No such file' --svg ./none/a.svg
 expect 1 'demo: --play needs a terminal' --play
 
 ! "$demo" >/dev/full 2>/dev/null || exit 1
-[ "$("$demo" | wc -L)" -le 80 ]
+
+# Where it is no terminal, steps and timelines are plain text of at most 80 columns.
+text=$("$demo")
+case $text in
+*"$(printf '\033')"*) exit 1 ;;
+'1. Rotation
+74 frames'*'
+FaceLed7 '*'0>1 is a Transition'*) ;;
+*) exit 1 ;;
+esac
+[ "$(echo "$text" | wc -L)" -le 80 ]

@@ -73,7 +73,7 @@ is_none() { # the line and what is wrong there, then the file
 }
 is_none '1: cannot be read, or is empty' ''
 is_none '1: a recording begins with "OLA Show"' 'OLA show\n'
-is_none '2: a universe needs a space and values behind it' 'OLA Show\n1\n'
+is_none '2: a universe needs a space and values after it' 'OLA Show\n1\n'
 is_none '2: a universe cannot be "-1"' 'OLA Show\n-1 0\n'
 is_none '2: a universe cannot be "4294967296"' 'OLA Show\n4294967296 0\n'
 is_none '4: a value cannot be "256"' 'OLA Show\n1 0\n40\n1 0,256'
@@ -88,7 +88,8 @@ refuses 2 'bad:4: a value cannot be "300"' bad
 refuses 2 'bad:4: a value cannot be "300"' a --append bad
 refuses 2 'needs a FILE or --rotation, and not both' --loop 2
 refuses 2 'needs a FILE or --rotation, and not both' a --rotation 255 0 1 1 1
-refuses 2 'TO has to come behind FROM' a --remove 30 30
+refuses 2 '--remove: TO has to come after FROM' a --remove 30 30
+refuses 2 '--keep: TO has to come after FROM' a --keep 5 2
 refuses 2 '--last: a time such as 1500 or 1.5s cannot be "1.5m"' a --last 1.5m
 refuses 2 '--rotation: needs a number from 0 to 255, not "256"' --rotation 255 256 1 1 1
 refuses 2 '--split: a time above 0 such as 1500 or 1.5s cannot be "0s"' a --write out --split 0s piece

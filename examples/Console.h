@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Player.h"
+
+#include <cstdint>
+#include <map>
+#include <utility>
+#include <vector>
+
+// A show for lights on DMX universes: an animation with a layer for each channel, called after the
+// universe and the channel, and values from 0 to 255.
+
+/// The layer of a channel. Names sort as the numbers do.
+std::string channel_name(unsigned int universe, unsigned int channel);
+
+/// The values of each universe, from channel 1 to the last one that has a value.
+using Universes = std::map<unsigned int, std::vector<std::uint8_t>>;
+
+/// What the universes of a show send, frame by frame; the show has to outlive it.
+class Console {
+public:
+    /// Throws std::runtime_error that names a layer that is called after no channel.
+    explicit Console(const Kiv::LayerMap& layers);
+
+    /// The universes on `frame`, until the next call.
+    const Universes& seek(unsigned int frame);
+
+    unsigned int next = 0; ///< The next frame on which they may send something else, if any.
+
+private:
+    Player player;
+    Universes universes;
+    /// For each track its universe, and its channel counted from 0.
+    std::vector<std::pair<unsigned int, std::size_t>> places;
+};

@@ -1,0 +1,26 @@
+#!/bin/sh
+# docs.sh PROGRAMS: whether the pages show what the programs of the examples are and draw. PROGRAMS
+# is the folder of the programs; pictures are drawn where it is called.
+set -eu
+programs=$1
+root=$(readlink -f "$(dirname "$0")/..")
+
+# The pictures in docs/.
+rm -rf pictures
+mkdir pictures
+"$programs/demo" --svg pictures/demo.svg >demo.txt
+"$programs/guide" pictures >guide.txt
+for picture in "$root"/docs/*.svg; do
+    diff "$picture" "pictures/$(basename "$picture")"
+done
+
+code_of() { # page: its fragments of C++, without blank lines
+    sed -n '/^```cpp$/,/^```$/p' "$1" | sed '/^```/d; /^$/d'
+}
+code_of "$root/docs/guide.md" >guide.md
+sed -n '/guide begins here/,/guide ends here/p' "$root/examples/guide.cpp" |
+    sed '1d; $d; /^$/d; s/^    //' | diff guide.md -
+code_of "$root/README.md" >README.md
+sed '/^$/d' "$root/examples/quickstart.cpp" | diff README.md -
+
+"$programs/quickstart" | grep -q '^95 frames, 3.8 s$'
