@@ -11,23 +11,32 @@ TEST(AnimationKeyTest, CommandsExpectSoManyArguments) {
         for (const std::size_t given : {0U, 1U, 2U, 3U}) {
             const auto effect = static_cast<AnimationKeyCommandEffect>(number);
             const std::size_t expected = effect == Transition ? 2 : effect == Hold ? 1 : 0;
-            std::ostringstream text;
+            std::ostringstream refused;
             if (given != expected)
-                text << "Could not set attributes of AnimationKeyCommand: the number of arguments "
-                        "does not correspond to the command ("
-                     << given << " arguments given but " << expected << " expected for command "
-                     << number << ")";
+                refused << "Could not set attributes of AnimationKeyCommand: the number of "
+                           "arguments does not correspond to the command ("
+                        << given << " arguments given but " << expected << " expected for command "
+                        << number << ")";
             const std::vector<float> args(given, 1.5F);
-            EXPECT_EQ(refusal([&] { EXPECT_EQ(AnimationKeyCommand(effect, args).args, args); }),
-                      text.str());
-            EXPECT_EQ(given > 0 || refusal([&] { AnimationKeyCommand one(effect); }) == text.str(),
-                      true);
+            AnimationKeyCommand command = Wait;
+            EXPECT_EQ(refusal([&] { command = {effect, args}; }), refused.str());
+            if (given == expected) {
+                EXPECT_EQ(command.effect, effect);
+                EXPECT_EQ(command.args, args);
+            }
+            if (given == 0) {
+                EXPECT_EQ(refusal([&] { command = effect; }), refused.str());
+            }
         }
 }
 
 TEST(AnimationKeyTest, SplitsAtAFrameAndEachSoManyFrames) {
-    // The key, where it is cut, and what it becomes: cut there, and each so many frames.
-    const std::tuple<const char*, unsigned int, const char*, const char*> rows[] = {
+    const struct {
+        const char* key;
+        unsigned int frame;
+        const char* cutThere;
+        const char* cutEach; ///< So many frames.
+    } rows[] = {
         {"T0,100:10", 3, "T0,30:3 T30,100:7", "T0,30:3 T30,60:3 T60,90:3 T90,100:1"},
         {"T0,9:9", 9, "T0,9:9", "T0,9:9"},
         {"E-5:3", 1, "E-5:1 E-5:2", "E-5:1 E-5:1 E-5:1"},
@@ -38,20 +47,33 @@ TEST(AnimationKeyTest, SplitsAtAFrameAndEachSoManyFrames) {
         {"T0,1:10", 3, "T0,0.3:3 T0.3,1:7",
          "T0,0.3:3 T0.3,0.6:3 T0.6,0.900000036:3 T0.900000036,1:1"},
     };
-    for (const auto& [key, frame, at, each] : rows) {
-        EXPECT_EQ(keys(key)[0].splitAt(frame), keys(at)) << key;
-        EXPECT_EQ(keys(key)[0].splitEach(frame), keys(each)) << key;
+    for (const auto& row : rows) {
+        const AnimationKey key = keys(row.key)[0];
+        EXPECT_EQ(key.splitAt(row.frame), keys(row.cutThere)) << row.key;
+        EXPECT_EQ(key.splitEach(row.frame), keys(row.cutEach)) << row.key;
     }
-    AnimationKey key(Wait, 5);
-    EXPECT_EQ(key.splitAt(0), keys("W:5"));
+    EXPECT_EQ(AnimationKey(Wait, 5).splitAt(0), keys("W:5"));
+}
+
+TEST(AnimationKeyTest, RefusesNoFrames) {
+    const AnimationKey key(Wait, 5);
     EXPECT_EQ(refusal([&] { key.splitEach(0); }), "Could not split AnimationKey each 0 frame: This "
                                                   "number should be strictly higher than 0");
-    EXPECT_EQ(refusal([&] { key = AnimationKey(Wait, 0); }),
+    EXPECT_EQ(refusal([] { AnimationKey(Wait, 0); }),
               "Duration of AnimationKeyCommand must be > 0");
-    key.command.effect = Transition; // fields are open; the key is cut all the same
-    EXPECT_EQ(key.splitEach(3), key.splitAt(3));
+}
+
+/// Fields are open: what no constructor would build is cut all the same.
+TEST(AnimationKeyTest, CutsAnyKey) {
+    AnimationKey key(Wait, 5);
+    key.command.effect = Transition;
+    const KeyVector pieces = key.splitAt(3);
+    ASSERT_EQ(pieces.size(), 2U);
+    EXPECT_EQ(pieces[1].command, key.command);
+    EXPECT_EQ(pieces[1].duration, 2U);
+    EXPECT_EQ(key.splitEach(3), pieces);
     key.duration = 0;
-    EXPECT_EQ(key.splitEach(1), key.splitAt(1));
+    EXPECT_EQ(key.splitEach(1), KeyVector{key});
 }
 
 TEST(AnimationKeyTest, ArgumentsAreTwoAtMost) {

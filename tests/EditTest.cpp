@@ -6,9 +6,110 @@ using namespace Kiv;
 
 namespace {
 
+/// A call, as text and to be made on an animation that is called `it`.
+#define CALL(...) #__VA_ARGS__, [](Animation & it) { __VA_ARGS__; }
+
+TEST(EditTest, ExamplesOfEveryEdit) {
+    const struct {
+        const char* before;
+        const char* call;
+        void (*make)(Animation&);
+        const char* after;
+    } rows[] = {
+        {"a: H1:4", CALL(it.fillInLayer("a", 7)), "a: H1:4 W:3"},
+        {"a: H1:4", CALL(it.fillInLayer("b", 7)), "a: H1:4; b: W:7"},
+
+        {"a: H1:4 H2:6", CALL(it.insertInLayer("a", keys("H9:3"), 6)), "a: H1:4 H2:2 H9:3 H2:4"},
+        {"a: H1:4 H2:6", CALL(it.insertInLayer("a", keys("H9:3"), 4)), "a: H1:4 H9:3 H2:6"},
+        {"a: H1:4", CALL(it.insertInLayer("a", keys("H9:3"), 6)), "a: H1:4 W:2 H9:3"},
+        {"a: T0,8:8", CALL(it.insertInLayer("a", keys("H9:3"), 6)), "a: T0,6:6 H9:3 T6,8:2"},
+        {"a: H1:4", CALL(it.insertInLayer("b", keys(""), 6)), "a: H1:4"},
+
+        {"a: H1:4", CALL(it.pushBackInLayer("a", keys("H8:1 H9:3"))), "a: H1:4 H8:1 H9:3"},
+        {"a: H1:4", CALL(it.pushBackInLayer("b", keys(""))), "a: H1:4; b: "},
+
+        {"a: H1:4 H2:6", CALL(it.removeInLayer("a", 2, 5)), "a: H1:2 H2:3"},
+        {"a: H1:4 H2:6", CALL(it.removeInLayer("a", 2, 0)), "a: H1:2 H1:2 H2:6"},
+        {"a: T0,10:10", CALL(it.removeInLayer("a", 2, 5)), "a: T0,2:2 T7,10:3"},
+
+        // Wait shows the layer; what a run ends inside follows it whole; the layer is filled.
+        {"a: H1:4 H2:6 H3:5", CALL(it.overrideLayerWith("a", keys("W:4 H9:6"), 0)),
+         "a: H1:4 H9:6 H3:5"},
+        {"a: H1:4 H2:6", CALL(it.overrideLayerWith("a", keys("H9:3"), 2)), "a: H1:2 H9:3 H2:6"},
+        {"a: H1:4; b: H2:6", CALL(it.overrideLayerWith("a", keys("H9:3"), 2)),
+         "a: H1:2 H9:3 W:2; b: H2:6"},
+        {"a: H1:4", CALL(it.overrideLayerWith("a", keys("H9:3"), 6)), "a: H1:4 W:2 H9:3"},
+
+        {"a: H1:6", CALL(it.insert(animation("b: H9:3"), 4)), "a: H1:4 W:3 H1:2; b: W:4 H9:3"},
+        {"a: H1:6 | 2 3", CALL(it.insert(animation("a: H9:3"), 2)), "a: H1:2 H9:3 H1:4 | 2 3"},
+        {"a: H1:6 | 2 3", CALL(it.insert(animation("a: H9:3"), 1)), "a: H1:1 H9:3 H1:5 | 5 3"},
+        {"a: H1:6 | 2 3", CALL(it.insert(animation("a: H9:3"), 4)), "a: H1:4 H9:3 H1:2 | 2 6"},
+
+        {"a: H1:5 H2:3 | 2 3", CALL(it.pushBack(animation("a: H8:2 H9:4 | 2 1"), false, false)),
+         "a: H1:5 H9:4 | 2 1"},
+        {"a: H1:5 H2:3 | 2 3", CALL(it.pushBack(animation("a: H8:2 H9:4 | 2 1"), true, true)),
+         "a: H1:5 H2:3 H8:2 H9:4 | 2 1"},
+
+        {"a: H1:3 H2:5 | 3 0", CALL(it.remove(1, 4)), "a: H1:1 H2:3 | 1 0"},
+        {"a: H1:3 H2:5; b: H3:2 | 0 4", CALL(it.remove(6, 9)), "a: H1:3 H2:3; b: H3:2 | 0 2"},
+
+        // The second layer is created and filled; its filler is cut, and the rest of that moved.
+        {"a: H1:4 H2:4", CALL(it.overrideLayersWith(animation("a: H9:4; b: H8:2"), 4)),
+         "a: H1:4 H9:4; b: W:4 H8:2 W:4"},
+    };
+    for (const auto& row : rows) {
+        Animation it = animation(row.before);
+        row.make(it);
+        EXPECT_EQ(it, animation(row.after)) << row.call << " of " << row.before;
+    }
+}
+
+TEST(EditTest, ExamplesOfNewAnimations) {
+    using Pieces = std::vector<Animation>;
+    const struct {
+        const char* source;
+        const char* call;
+        Pieces (*make)(const Animation&);
+        const char* pieces;
+    } rows[] = {
+#undef CALL
+#define CALL(...) #__VA_ARGS__, [](const Animation& it) { return Pieces __VA_ARGS__; }
+        {"a: H1:2 H2:3 H3:1 | 2 1", CALL({it.loop(2, false, false)}),
+         "a: H1:2 H2:3 H2:3 H3:1 | 2 1"},
+        {"a: H1:2 H2:3 H3:1 | 2 1", CALL({it.loop(2, true, true)}),
+         "a: H1:2 H2:3 H3:1 H1:2 H2:3 H3:1 | 2 1"},
+        {"a: H1:2 H2:3 H3:1 | 2 1", CALL({it.loop(0, true, true)}), "a: H1:2 H3:1 | 2 1"},
+        {"a: H4:6 | 2 1", CALL({it.loop(2, false, false)}), "a: H4:2 H4:3 H4:4 | 2 1"},
+
+        {"a: H1:4 T0,6:6 | 5 3", CALL((it.splitAt(6, true, true))),
+         "a: H1:4 T0,2:2 | 5 0 / a: T2,6:4"},
+        {"a: H1:4 H2:6 | 0 3", CALL((it.splitAt({3, 9}, true, true))),
+         "a: H1:3 / a: H1:1 H2:5 | 0 2 / a: H2:1"},
+        {"a: H1:4 H2:6 | 0 3", CALL((it.splitAt({3, 9}, false, false))),
+         "a: H1:3 / a: H1:1 H2:5 / a: H2:1"},
+        {"a: H1:4 H2:6 | 0 3", CALL((it.splitEach(4, true, true))),
+         "a:  / a: H1:4 / a: H2:4 | 0 1 / a: H2:2"},
+#undef CALL
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(row.make(animation(row.source)), animations(row.pieces))
+            << row.call << " of " << row.source;
+}
+
+TEST(EditTest, IntroBodyAndOutroAreAppendedToMaps) {
+    LayerMap intro = animation("a: H9:1; z: H8:1").layers;
+    LayerMap body;
+    LayerMap outro;
+    animation("a: H1:4 H2:6 | 3 2").introBodyOutroLayers(intro, body, outro);
+    EXPECT_EQ(intro, animation("a: H9:1 H1:3; z: H8:1").layers);
+    EXPECT_EQ(body, animation("a: H1:1 H2:4").layers);
+    EXPECT_EQ(outro, animation("a: H2:2").layers);
+}
+
 TEST(EditTest, KeysAreBuiltFromEffectsOrRefused) {
     Animation it;
     EXPECT_NE(refusal([&] { it.pushBackInLayer("b", Hold, {}, 2); }), "");
+    EXPECT_FALSE(it.hasLayer("b"));
     it.insertInLayer("a", Transition, {0, 60}, 6, 1);
     it.pushBackInLayer("a", Hold, make_vector(3), 5);
     it.insertInLayer("a", NoValue, std::vector<float>(), 4, 4);
@@ -16,16 +117,21 @@ TEST(EditTest, KeysAreBuiltFromEffectsOrRefused) {
 }
 
 TEST(EditTest, LoopsUpToTheLimit) {
+    const std::string refused =
+        "Animation looped 2 times would last 2147483648 frames but should last less than "
+        "2147483648";
+    const Animation intro = animation("a: H1:1 H2:1073741823 | 1 0");
+    EXPECT_EQ(intro.loop(2, false, false).durationInFrames(), 2147483647U);
+    EXPECT_EQ(refusal([&] { intro.loop(2, true, false); }), refused);
+    const Animation outro = animation("a: H1:1 H2:1073741823 | 0 1");
+    EXPECT_EQ(outro.loop(2, false, false).durationInFrames(), 2147483647U);
+    EXPECT_EQ(refusal([&] { outro.loop(2, false, true); }), refused);
     const Animation bodiless = animation("a: T0,30:3 | 2 1");
     EXPECT_EQ(bodiless.loop(4294967295, false, false), bodiless);
-    Animation some = animation("a: H1:1 H2:1073741823");
-    for (const bool intro : {true, false}) {
-        some.introSize = intro, some.outroSize = !intro;
-        EXPECT_EQ(some.loop(2, false, false).durationInFrames(), 2147483647U);
-        EXPECT_EQ(refusal([&] { some.loop(2, intro, !intro); }),
-                  "Animation looped 2 times would last 2147483648 frames but should last less than "
-                  "2147483648");
-    }
+}
+
+TEST(EditTest, LoopsCheckTheDefaultFrameRateOnlyWhereTheyRepeat) {
+    Animation some = animation("a: H1:4 | 2 1");
     some.fps = 40;
     Animation::defaultFps = 0;
     EXPECT_EQ(some.loop(1, false, false), some);
@@ -34,27 +140,36 @@ TEST(EditTest, LoopsUpToTheLimit) {
 }
 
 TEST(EditTest, MarksAreMadeByTheFirstLayerThatReachesTheBoundary) {
-    // An animation, a frame, and the piece before that.
-    const std::tuple<const char*, unsigned int, const char*> rows[] = {
+    const struct {
+        const char* source;
+        unsigned int frame;
+        const char* pieceBefore;
+    } rows[] = {
         {"a: H1:8; b: H2:10 | 0 3", 9, "a: H1:8; b: H2:9 | 0 1"},
         {"a: H1:10; b: H2:8 | 0 3", 9, "a: H1:9; b: H2:8 | 0 2"},
         {"a: H1:4; b: H2:10 | 7 0", 6, "a: H1:4; b: H2:6 | 0 0"},
         {"a: ; b: H2:10 | 0 10", 6, "a: ; b: H2:6 | 0 0"},
     };
-    for (const auto& [text, frame, first] : rows)
-        EXPECT_EQ(animation(text).splitAt(frame, true, true)[0], animation(first)) << text;
+    for (const auto& row : rows)
+        EXPECT_EQ(animation(row.source).splitAt(row.frame, true, true)[0],
+                  animation(row.pieceBefore))
+            << row.source;
 }
 
 TEST(EditTest, PiecesKeepTheFrameRate) {
     Animation it = animation("a: H1:4 | 2 1");
     it.fps = 40;
     EXPECT_EQ(it.splitAt(0, true, true)[1].fps, 40);
-    EXPECT_EQ(animation("a: W:4294967295").splitEach(1U << 31, true, true).size(), 3U);
-    EXPECT_EQ(refusal([&] { it.splitEach(0, true, true); }),
-              "Could not split Animation each 0 frame: This number should be strictly higher than "
-              "0");
     it.fps = 0;
     EXPECT_EQ(refusal([&] { it.splitAt(2, true, true); }), "FPS should be strictly higher than 0");
+}
+
+TEST(EditTest, SplitsEachSoManyFramesUpToTheLimit) {
+    const Animation longest = animation("a: W:4294967295");
+    EXPECT_EQ(longest.splitEach(1U << 31, true, true).size(), 3U);
+    EXPECT_EQ(refusal([&] { longest.splitEach(0, true, true); }),
+              "Could not split Animation each 0 frame: This number should be strictly higher than "
+              "0");
 }
 
 } // namespace

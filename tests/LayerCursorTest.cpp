@@ -9,32 +9,49 @@ namespace {
 /// The cursor primitives, on a layer of 4, 6 and 5 frames.
 struct LayerCursorTest : testing::Test, Animation {
     const KeyVector all = keys("H1:4 T0,60:6 H3:5");
-    KeyVector layer, out;
+    const unsigned int total = 15;
+    KeyVector layer;
     KeyVector::iterator it;
     unsigned int frame = 0;
 
-    void restart() { layer = all, it = layer.begin(), frame = 0; }
+    void restart() {
+        layer = all;
+        it = layer.begin();
+        frame = 0;
+    }
+    KeyVector passed() { return {layer.begin(), it}; }
 };
 
 TEST_F(LayerCursorTest, WalksStopOnTheKeyUnderTheTarget) {
     for (unsigned int target = 0; target < 20; ++target) {
-        out.clear();
-        restart();
-        _subLayer(frame, it, target, layer, out);
-        EXPECT_EQ(out, KeyVector(layer.begin(), it));
-        EXPECT_EQ(frame, durationInFramesOf(out));
-        EXPECT_TRUE(frame <= target && (it == layer.end() || frame + it->duration > target));
-        const unsigned int walked = frame;
-        _tailLayer(frame, it, layer, out);
-        EXPECT_TRUE(out == all && frame == 15 && it == layer.end());
         restart();
         _goToFrame(frame, it, target, layer);
-        EXPECT_TRUE(frame == walked && durationInFramesOf(KeyVector(layer.begin(), it)) == walked);
+        EXPECT_LE(frame, target);
+        EXPECT_EQ(frame, durationInFramesOf(passed()));
+        if (it != layer.end()) {
+            EXPECT_GT(frame + it->duration, target);
+        }
+        const unsigned int walked = frame;
+        const KeyVector before = passed();
         _iterateOnLayer(frame, it, 0, layer, true, nullptr);
-        EXPECT_TRUE(frame == 15 && it == layer.end());
+        EXPECT_EQ(frame, total);
+        EXPECT_EQ(passed(), all);
+
+        KeyVector out;
+        restart();
+        _subLayer(frame, it, target, layer, out);
+        EXPECT_EQ(out, before);
+        EXPECT_EQ(frame, walked);
+        _tailLayer(frame, it, layer, out);
+        EXPECT_EQ(out, all);
+        EXPECT_EQ(frame, total);
+
         restart();
         _removeKeysOnTheWay(frame, it, target, layer);
-        EXPECT_TRUE(frame == walked && durationInFramesOf(layer) == 15 - frame);
+        EXPECT_EQ(frame, walked);
+        EXPECT_EQ(it, layer.begin());
+        EXPECT_EQ(layer, KeyVector(all.end() - std::ptrdiff_t(layer.size()), all.end()));
+        EXPECT_EQ(durationInFramesOf(layer), total - walked);
     }
 }
 
@@ -43,16 +60,19 @@ TEST_F(LayerCursorTest, RemoveKeysCutsBothEnds) {
     for (unsigned int start = 0; start < 18; ++start)
         for (const unsigned int count : {0U, 1U, 2U, 3U, 5U, 6U, 9U, 20U, 4294967295U})
             for (const unsigned int from : {0U, start}) {
+                const auto call = testing::Message() << "start " << start << ", count " << count;
                 layers["a"] = all;
                 removeInLayer("a", start, count);
                 restart();
-                _goToFrame(frame, it, count > 20 ? 15 : start + count, layer);
-                const unsigned int kept = std::min(start, 15U), end = std::max(frame, kept);
+                _goToFrame(frame, it, count > 20 ? total : start + count, layer);
+                const unsigned int kept = std::min(start, total);
+                const unsigned int end = std::max(frame, kept);
                 restart();
                 _goToFrame(frame, it, from, layer);
                 _removeKeys(frame, it, layer, start, count);
-                EXPECT_TRUE(layer == layers["a"] && frame == end) << start << ' ' << count;
-                EXPECT_EQ(durationInFramesOf(KeyVector(layer.begin(), it)), kept);
+                EXPECT_EQ(layer, layers["a"]) << call;
+                EXPECT_EQ(frame, end) << call;
+                EXPECT_EQ(durationInFramesOf(passed()), kept) << call;
             }
 }
 

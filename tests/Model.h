@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <ostream>
 #include <set>
-#include <utility>
 
 // Animations as plain lists of frames: every edit is a list operation. Keys count too, for a cut
 // makes two of one, and overriding moves some whole; so a frame tells whether a key begins there.
@@ -16,7 +16,7 @@ using Count = std::size_t;
 using Name = const std::string&;
 
 struct Frame {
-    bool begins;
+    bool begins; ///< Whether a key does, on this frame.
     AnimationKeyCommandEffect effect;
     double value = 0;
 
@@ -57,20 +57,34 @@ struct Frames : std::vector<Frame> {
     Frames removed(Count start, Count count) const {
         return slice(0, start) + slice(start + std::min(count, SIZE_MAX - start));
     }
-    /// With `keys` laid over them, in an animation of `duration` frames.
-    Frames overridden(const Frames& keys, Count at, Count duration) const {
+    /// Where the last key ends that ends at or before `limit`; `from`, if none ends after that.
+    Count endOfWholeKeys(Count from, Count limit) const {
+        for (Count end = std::min(limit, size()); end > from; --end)
+            if (end == size() || at(end).begins)
+                return end;
+        return from;
+    }
+    /// With a run of keys laid over the frames from `begin` on.
+    Frames withRun(const Frames& run, Count begin) const {
+        const Frames before = slice(0, begin).filled(begin);
+        return before + run + slice(endOfWholeKeys(begin, begin + run.size()));
+    }
+    /// Where frames end that are all Wait, or none of them, from `begin` on.
+    Count endOfRun(Count begin) const {
+        const bool waits = at(begin).effect == Wait;
+        Count end = begin;
+        while (end < size() && (at(end).effect == Wait) == waits)
+            ++end;
+        return end;
+    }
+    /// With `keys` laid over them from `frame` on, in an animation of `duration` frames.
+    Frames overridden(const Frames& keys, Count frame, Count duration) const {
         Frames result = filled(std::max(duration, keys.size()));
-        for (Count i = 0, next = 0; i < keys.size(); at += next - i, i = next) {
-            const bool waits = keys[i].effect == Wait;
-            for (next = i; next < keys.size() && (keys[next].effect == Wait) == waits;)
-                ++next;     // behind the run, or the wait
-            Count end = at; // behind the last whole key that the run replaces
-            result = waits ? result : result.filled(at);
-            for (Count j = at; j <= std::min(result.size(), at + next - i); ++j)
-                if (j == result.size() || result[j].begins)
-                    end = j;
-            if (!waits)
-                result = result.slice(0, at) + keys.slice(i, next) + result.slice(end);
+        Count end = 0;
+        for (Count begin = 0; begin < keys.size(); begin = end) {
+            end = keys.endOfRun(begin);
+            if (keys[begin].effect != Wait)
+                result = result.withRun(keys.slice(begin, end), frame + begin);
         }
         return result;
     }
@@ -80,7 +94,8 @@ using FrameMap = std::map<std::string, Frames>;
 /// Has the operations of an animation; what it refuses throws std::invalid_argument.
 struct Model {
     FrameMap layers;
-    Count introSize = 0, outroSize = 0;
+    Count introSize = 0;
+    Count outroSize = 0;
 
     Model() = default;
     Model(const FrameMap& given, Count intro, Count outro)
@@ -177,12 +192,17 @@ struct Model {
         std::vector<Model> pieces;
         Count from = 0;
         for (const unsigned int cut : cuts) {
-            Model& piece = pieces.emplace_back(part(std::exchange(from, cut), cut));
+            Model& piece = pieces.emplace_back(part(from, cut));
+            from = cut;
             const Count end = std::min<Count>(cut, duration());
-            if (std::exchange(keepIntro, keepIntro && end < introSize) != keepIntro)
+            if (keepIntro && end >= introSize) {
                 piece.introSize = std::min(introSize, piece.duration() + introSize - end);
-            if (std::exchange(keepOutro, keepOutro && end < outroBegin()) != keepOutro)
+                keepIntro = false;
+            }
+            if (keepOutro && end >= outroBegin()) {
                 piece.outroSize = end - outroBegin();
+                keepOutro = false;
+            }
         }
         pieces.push_back(part(from));
         return duration() > 0 ? pieces : std::vector<Model>(pieces.size());
@@ -204,5 +224,19 @@ struct Model {
         }
     }
 };
+
+/// Writes each frame as "H5", the effect's letter and the value, after a bar where a key begins.
+inline std::ostream& operator<<(std::ostream& out, const Model& model) {
+    out << "intro " << model.introSize << ", outro " << model.outroSize;
+    for (const auto& [name, frames] : model.layers) {
+        out << '\n' << name << ":";
+        for (const Frame& frame : frames) {
+            const auto effect = static_cast<std::size_t>(frame.effect);
+            out << (frame.begins ? " | " : " ") << (effect < 4 ? "THNW"[effect] : 'E')
+                << frame.value;
+        }
+    }
+    return out;
+}
 
 } // namespace Kiv

@@ -9,42 +9,129 @@ Memory memory;
 
 namespace {
 
+/// In the order of the operations.
+const char* const names[operationCount] = {"insertInLayer, keys",
+                                           "insertInLayer, one key",
+                                           "pushBackInLayer",
+                                           "fillInLayer",
+                                           "removeInLayer",
+                                           "overrideLayerWith",
+                                           "insert",
+                                           "pushBack",
+                                           "remove",
+                                           "overrideLayersWith",
+                                           "construction",
+                                           "sizes set",
+                                           "loop",
+                                           "splitAt",
+                                           "splitEach",
+                                           "introBodyOutroLayers"};
+
+/// A copy of an animation or a model, neither filled nor checked.
+template <class It>
+It exact_copy(const It& it) {
+    It copy;
+    copy.layers = it.layers;
+    copy.introSize = it.introSize;
+    copy.outroSize = it.outroSize;
+    return copy;
+}
+
+/// Makes an edit on an animation or on a model.
+template <class It>
+void edit(It& it, const It& other, const Step& step, const KeyVector& keys) {
+    const auto& [operation, frame, count, first, second, name, own, given] = step;
+    const AnimationKey key = keys.empty() ? AnimationKey(Wait, 3) : keys.back();
+    switch (operation) {
+    case Operation::InsertKeysInLayer: return it.insertInLayer(name, keys, frame);
+    case Operation::InsertKeyInLayer: return it.insertInLayer(name, key, frame);
+    case Operation::PushBackInLayer: return it.pushBackInLayer(name, keys);
+    case Operation::FillInLayer: return it.fillInLayer(name, frame);
+    case Operation::RemoveInLayer: return it.removeInLayer(name, frame, count);
+    case Operation::OverrideLayerWith: return it.overrideLayerWith(name, keys, frame);
+    case Operation::Insert: return it.insert(other, frame);
+    case Operation::PushBack: // as moved: not yet filled and checked
+        return it.pushBack(exact_copy(other), first, second);
+    case Operation::Remove: return it.remove(frame, count);
+    case Operation::OverrideLayersWith: return it.overrideLayersWith(other, frame);
+    case Operation::Construct: it = It(other.layers, frame, count); return;
+    default: // sizes set
+        it.introSize = frame;
+        it.outroSize = count;
+    }
+}
+
+/// Makes the call of `step`, and returns what it gives.
+template <class It>
+std::vector<It> call(It& it, const It& other, const Step& step, const KeyVector& keys) {
+    const auto& [operation, frame, count, first, second, name, own, given] = step;
+    std::vector<It> parts(3);
+    const auto map = [&](unsigned int part) -> auto& { // one of them may be the animation's own
+        return step.count == part ? it.layers : parts[part].layers;
+    };
+    switch (operation) {
+    case Operation::Loop: return {it.loop(count, first, second)};
+    case Operation::SplitAt: return it.splitAt({frame, count, count / 2}, first, second);
+    case Operation::SplitEach: return it.splitEach(count, first, second);
+    case Operation::IntroBodyOutroLayers:
+        it.introBodyOutroLayers(map(0), map(1), map(2));
+        return parts;
+    default: edit(it, other, step, keys); return {};
+    }
+}
+
+/// What a call gave, or why it was refused.
+template <class It>
+struct Outcome {
+    std::vector<It> results;
+    std::string refused;
+};
+
+template <class It>
+Outcome<It> attempt(It& it, const It& other, const Step& step, const KeyVector& keys) {
+    Outcome<It> outcome;
+    outcome.refused = refusal([&] { outcome.results = call(it, other, step, keys); });
+    return outcome;
+}
+
 /// Whether the animation is what the model is.
 bool same(const Animation& it, const Model& model) {
     return FrameMap(it.layers.begin(), it.layers.end()) == model.layers &&
            it.introSize == model.introSize && it.outroSize == model.outroSize;
 }
-/// Makes the call of `step` on an animation or on a model, and returns what it gives.
+bool same(const Outcome<Animation>& got, const Outcome<Model>& expected) {
+    return got.refused.empty() == expected.refused.empty() &&
+           std::equal(got.results.begin(), got.results.end(), expected.results.begin(),
+                      expected.results.end(),
+                      [](const Animation& a, const Model& b) { return same(a, b); });
+}
+
 template <class It>
-std::vector<It> call(It& it, const It& other, const Step& step, const KeyVector& keys) {
-    const auto& [operation, frame, count, first, second, name, own, given] = step;
-    std::vector<It> none, maps(3);
-    const auto map = [&](unsigned int i) -> auto& {
-        return step.count == i ? it.layers : maps[i].layers;
-    };
-    const AnimationKey three(Wait, 3);
-    const AnimationKey& key = keys.empty() ? three : keys.back();
-    It moved; // neither filled nor checked yet
-    moved.layers = other.layers;
-    moved.introSize = other.introSize;
-    moved.outroSize = other.outroSize;
-    switch (operation) {
-    case 0: return it.insertInLayer(name, keys, frame), none;
-    case 1: return it.insertInLayer(name, key, frame), none;
-    case 2: return it.pushBackInLayer(name, keys), none;
-    case 3: return it.fillInLayer(name, frame), none;
-    case 4: return it.removeInLayer(name, frame, count), none;
-    case 5: return it.overrideLayerWith(name, keys, frame), none;
-    case 6: return it.insert(other, frame), none;
-    case 7: return it.pushBack(std::move(moved), first, second), none;
-    case 8: return it.remove(frame, count), none;
-    case 9: return it.overrideLayersWith(other, frame), none;
-    case 10: return it.introBodyOutroLayers(map(0), map(1), map(2)), std::move(maps);
-    case 11: return {it.loop(count, first, second)};
-    case 12: return it.splitAt({frame, count, count / 2}, first, second);
-    case 13: return it.splitEach(count, first, second);
-    case 14: return it = It(other.layers, frame, count), none;
-    default: return it.introSize = frame, it.outroSize = count, none;
+std::string text_of(const It& it, const Outcome<It>& outcome) {
+    std::ostringstream text;
+    text << it;
+    for (const It& result : outcome.results)
+        text << "\ngives " << result;
+    if (!outcome.refused.empty())
+        text << "\nrefuses: " << outcome.refused;
+    return text.str();
+}
+
+/// Attempts the call with its first allocation failing, then with its second one, and so on until
+/// memory suffices. Sets `changed` if a call that failed left something else than `before`.
+Outcome<Animation> attempt_with_little_memory(Animation& it, const Animation& other,
+                                              const Step& step, const KeyVector& keys,
+                                              const Model& before, bool& changed) {
+    for (unsigned long nth = 1;; ++nth) {
+        memory.failAt = nth;
+        try {
+            Outcome<Animation> outcome = attempt(it, other, step, keys);
+            memory.failAt = 0;
+            return outcome;
+        } catch (const std::bad_alloc&) {
+            memory.failAt = 0;
+            changed = changed || !same(it, before);
+        }
     }
 }
 
@@ -57,46 +144,66 @@ void call_with_extremes(const Step& step) {
     }
 }
 
+const KeyVector& keys_of(const Step& step, const Animation& animation) {
+    const auto own = animation.layers.find(step.own);
+    return own != animation.layers.end() ? own->second : step.keys;
+}
+
+void run_extreme_step(Animation& animation, const Animation& other, const Step& step) {
+    try {
+        attempt(animation, other, step, keys_of(step, animation));
+        call_with_extremes(step);
+    } catch (const std::bad_alloc&) {    // more than there may be
+    } catch (const std::length_error&) { // more than a vector holds, where pointers have 32 bits
+    }
+}
+
 } // namespace
 
-std::string run_step(Subject& subject, Subject& other, const Step& given, Check check,
+std::string run_step(Subject& subject, Subject& other, Step step, Check check,
                      unsigned long& calls) {
-    Step step = given;
-    if (check == Check::Memory && step.operation == 10)
+    if (check == Check::Extremes) {
+        run_extreme_step(subject.animation, other.animation, step);
+        ++calls;
+        return "";
+    }
+    if (check == Check::Memory && step.operation == Operation::IntroBodyOutroLayers)
         step.count = 3; // no map is the animation's own: that keeps what it got
-    if (check != Check::Extremes && (step.operation == 12 || step.operation == 13) &&
-        subject.model.layers != Model(subject.model.layers, 0, 0).layers)
-        step.first = step.second = false; // the model has no marks for layers of unequal lengths
-    const auto own = subject.animation.layers.find(step.own);
-    const KeyVector& keys = own != subject.animation.layers.end() ? own->second : step.keys;
-    const Model before = subject.model, otherModel = other.model;
-    std::vector<Model> expected;
-    const auto play = [&] { expected = call(subject.model, otherModel, step, keys); };
-    const std::string refused = check == Check::Extremes ? "" : refusal(play);
-    if (!refused.empty())
+    if (subject.model.layers != Model(subject.model.layers, 0, 0).layers &&
+        (step.operation == Operation::SplitAt || step.operation == Operation::SplitEach)) {
+        step.first = false; // the model has no marks for layers of unequal lengths
+        step.second = false;
+    }
+    const KeyVector& keys = keys_of(step, subject.animation);
+    const Animation animationBefore = exact_copy(subject.animation);
+    const Animation otherBefore = exact_copy(other.animation);
+    const KeyVector keysBefore = keys;
+    const Model before = subject.model;
+    const Model otherModel = other.model;
+
+    const Outcome<Model> expected = attempt(subject.model, otherModel, step, keys);
+    if (!expected.refused.empty())
         subject.model = before;
-    for (unsigned long nth = 1;; ++nth)
-        try {
-            std::vector<Animation> results;
-            memory.failAt = check == Check::Memory ? nth : 0;
-            const std::string error =
-                refusal([&] { results = call(subject.animation, other.animation, step, keys); });
-            memory.failAt = 0;
-            ++calls;
-            if (check == Check::Extremes)
-                return call_with_extremes(step), "";
-            const bool equal =
-                error.empty() == refused.empty() && same(subject.animation, subject.model) &&
-                std::equal(results.begin(), results.end(), expected.begin(), expected.end(),
-                           [](const auto& a, const auto& b) { return same(a, b); });
-            return equal ? "" : "not as the model (" + error + refused + ")";
-        } catch (const std::exception& error) { // out of memory, or of 32 bits
-            memory.failAt = 0;
-            if (check != Check::Memory)
-                return check == Check::Extremes ? "" : error.what();
-            if (!same(subject.animation, before))
-                return "changed before memory ran out";
-        }
+    bool changed = false;
+    const Outcome<Animation> got =
+        check == Check::Memory ? attempt_with_little_memory(subject.animation, other.animation,
+                                                            step, keys, before, changed)
+                               : attempt(subject.animation, other.animation, step, keys);
+    ++calls;
+    if (!changed && same(got, expected) && same(subject.animation, subject.model))
+        return "";
+
+    std::ostringstream text;
+    text << names[static_cast<unsigned int>(step.operation)] << " of layer \"" << step.name
+         << "\" with frame " << step.frame << ", count " << step.count << std::boolalpha
+         << ", flags " << step.first << " and " << step.second << "\n--- keys:\n"
+         << keysBefore << "\n--- other" << (&other == &subject ? ", the same one" : "") << ":\n"
+         << otherBefore << "\n--- before:\n"
+         << animationBefore << "\n--- expected, frame by frame:\n"
+         << text_of(subject.model, expected) << "\n--- came:\n"
+         << text_of(subject.animation, got)
+         << (changed ? "\n--- and it changed before, when memory ran out" : "") << '\n';
+    return text.str();
 }
 
 namespace {
@@ -138,9 +245,15 @@ struct Reader {
 
     Step takeStep() {
         const std::string names[] = {"a", "b", "", std::string("\0\xff", 2), std::string(99, 'n')};
-        Step step{take(operations), takeNumber(64), takeNumber(24), take(2) != 0,
-                  take(2) != 0,     names[take(5)], "none",         {}};
-        if (!extreme && step.operation == 11)
+        Step step{};
+        step.operation = static_cast<Operation>(take(operationCount));
+        step.frame = takeNumber(64);
+        step.count = takeNumber(24);
+        step.first = take(2) != 0;
+        step.second = take(2) != 0;
+        step.name = names[take(5)];
+        step.own = "none";
+        if (!extreme && step.operation == Operation::Loop)
             step.count %= 4;
         else if (!extreme && take(16) == 0)
             step.count = 4294967295 - take(2);
@@ -164,13 +277,8 @@ std::string run_program(const std::vector<unsigned char>& bytes, Check check,
         for (auto& [name, layer] : subject.animation.layers)
             layer.reserve(reader.take(3) == 0 ? 50 : 0); // so that some edits are made in place
         const std::string fault = run_step(subject, other, step, check, calls);
-        if (!fault.empty()) {
-            std::ostringstream text;
-            text << fault << ": operation " << step.operation << " with " << step.frame << ' '
-                 << step.count << ' ' << step.name << ' ' << step.keys << ", left "
-                 << subject.animation;
-            return text.str();
-        }
+        if (!fault.empty())
+            return fault;
         if (check != Check::Extremes && subject.model.duration() > 200)
             subject = Subject();
     }

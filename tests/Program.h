@@ -8,10 +8,11 @@ namespace Kiv {
 
 /// What allocations do.
 struct Memory {
-    unsigned long failAt = 0;        ///< The allocation to fail, counted down; 0 for none.
-    std::size_t largest = SIZE_MAX;  ///< Larger ones fail too.
-    unsigned long count = 0;         ///< How many there were,
-    std::size_t inUse = 0, most = 0; ///< how many bytes are in use, and were at most.
+    unsigned long failAt = 0;       ///< The allocation to fail, counted down; 0 for none.
+    std::size_t largest = SIZE_MAX; ///< Larger ones fail too.
+    unsigned long count = 0;        ///< How many there were.
+    std::size_t inUse = 0;          ///< Bytes.
+    std::size_t most = 0;           ///< The most bytes that were in use.
 };
 extern Memory memory;
 
@@ -27,18 +28,42 @@ struct Subject {
     Model model;
 };
 
-/// One call: the number of the operation, and all arguments that any of them takes.
-struct Step {
-    unsigned int operation, frame, count;
-    bool first, second;
-    std::string name, own; ///< The keys are those of the layer `own` of the animation itself,
-    KeyVector keys;        ///< or these, if there is no such layer.
+enum class Operation {
+    InsertKeysInLayer,
+    InsertKeyInLayer,
+    PushBackInLayer,
+    FillInLayer,
+    RemoveInLayer,
+    OverrideLayerWith,
+    Insert,
+    PushBack,
+    Remove,
+    OverrideLayersWith,
+    Construct,
+    SetSizes,
+    Loop,
+    SplitAt,
+    SplitEach,
+    IntroBodyOutroLayers
 };
-constexpr unsigned int operations = 16;
+constexpr unsigned int operationCount =
+    static_cast<unsigned int>(Operation::IntroBodyOutroLayers) + 1;
+
+/// One call: the operation, and all arguments that any of them takes.
+struct Step {
+    Operation operation;
+    unsigned int frame;
+    unsigned int count;
+    bool first;  ///< The first flag of those that take two.
+    bool second; ///< And the second.
+    std::string name;
+    std::string own; ///< The keys are those of this layer of the animation itself,
+    KeyVector keys;  ///< or these, if there is no such layer.
+};
 
 /// Makes the call on `subject`, with `other`, which may be it, where an animation is asked for.
 /// Returns what went wrong; "" if nothing did. Adds to `calls` how many ended well or refused.
-std::string run_step(Subject& subject, Subject& other, const Step& step, Check check,
+std::string run_step(Subject& subject, Subject& other, Step step, Check check,
                      unsigned long& calls);
 
 /// Runs the program of calls on two animations that `bytes` stand for. Returns what went wrong, and

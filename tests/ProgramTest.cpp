@@ -74,52 +74,86 @@ TEST(ProgramTest, ExtremeArgumentsAreSafe) {
     memory.largest = SIZE_MAX;
 }
 
-/// What the header promises of operations on three layers of as many keys each: how often it
-/// allocates, and how much it takes at most at once, in copies of the animation.
+/// How often a call allocates, and how many bytes it takes at most at once.
+struct Taken {
+    unsigned long allocations;
+    std::size_t bytes;
+};
+
+template <class Call>
+Taken taken_by(const Call& call) {
+    const std::size_t before = memory.inUse;
+    memory.most = before;
+    memory.count = 0;
+    call();
+    return {memory.count, memory.most - before};
+}
+
+/// Layers "a", "b" and "c" of so many keys, and others, two of which have the same names.
+struct Case {
+    explicit Case(unsigned int size)
+        : size(size), keys(size, AnimationKey({Hold, {1}}, 2)),
+          it({{"a", keys}, {"b", keys}, {"c", keys}}, size, size / 2),
+          other({{"b", keys}, {"c", keys}, {"e", keys}}, size, size / 2) {}
+
+    unsigned int size;
+    KeyVector keys;
+    Animation it;
+    Animation other;
+    LayerMap intro, body, outro;
+};
+
+/// What the header promises of memory, with as much of it as there is taken.
 TEST(ProgramTest, MemoryIsTakenForLayersAndNotForKeys) {
-    for (const unsigned int size : {100U, 10000U}) {
-        const KeyVector keys(size, AnimationKey({Hold, {1}}, 2));
-        const Animation abc({{"a", keys}, {"b", keys}, {"c", keys}}, size, size / 2);
-        const Animation bce({{"b", keys}, {"c", keys}, {"e", keys}}, size, size / 2);
-        Animation it, other;
-        const auto expect = [&](unsigned long allocations, double copies, const auto& call) {
-            it = abc, other = bce;
-            const std::size_t before = memory.most = memory.inUse;
-            memory.count = 0;
-            call();
-            const unsigned long count = memory.count; // before printing allocates
-            const std::size_t most = memory.most - before;
-            EXPECT_LE(count, allocations) << copies;
-            EXPECT_LE(most, copies * 60 * size + 9000) << allocations;
-        };
-        expect(0, 0, [&] { it.empty(), it.hasLayer("d"), it.outroStartFrame(); });
-        expect(0, 0, [&] { it.durationInSeconds(), it.simulatedDurationInSeconds(1); });
-        expect(0, 0, [&] { it.setFPSToFitDurationInSeconds(1), it.reset(); });
-        expect(1, 1 / 3.0, [&] { it.layer("a"); });
-        // An entry and its keys for each layer; lists; one buffer.
-        expect(7, 1, [&] { Animation copy(it); });
-        expect(7, 1, [&] { Animation(it.layers, 1, 1); });
-        expect(9, 1, [&] { it.loop(0, true, true); });
-        expect(9, 5.4, [&] { it.loop(5, true, true); });
-        expect(9, 5 / 3.0, [&] { it.loop(2, false, true); });
-        expect(14, 1, [&] { it.splitAt(size, true, true); });
-        expect(20, 1, [&] { it.splitEach(size, true, true); });
-        LayerMap maps[3];
-        expect(18, 1, [&] { it.introBodyOutroLayers(maps[0], maps[1], maps[2]); });
-        // Once, and once for a layer that is created. Layers grow as vectors do, to twice the size.
-        expect(1, 2 / 3.0, [&] { it.fillInLayer("a", 2 * size + 1); });
-        expect(1, 2 / 3.0, [&] { it.insertInLayer("a", Hold, {2}, 5, size); });
-        expect(1, 2 / 3.0, [&] { it.pushBackInLayer("a", it.layers["a"]); });
-        expect(0, 0, [&] { it.removeInLayer("a", 1, size); });
-        expect(1, 2 / 3.0, [&] { it.overrideLayerWith("a", it.layers["b"], size); });
-        expect(2, 1 / 3.0, [&] { it.insertInLayer("d", it.layers["a"], 0); });
-        // Once for each of four layers at most, once for one that is created, and lists.
-        expect(6, 8 / 3.0, [&] { it.insert(std::move(other), size); });
-        expect(7, 8 / 3.0, [&] { it.pushBack(std::move(other), true, true); });
-        expect(6, 4 / 3.0, [&] { it.pushBack(std::move(other), false, false); });
-        expect(1, 0, [&] { it.remove(1, size); });
-        expect(6, 5 / 3.0, [&] { it.overrideLayersWith(other, size); });
-    }
+    const struct {
+        const char* name;
+        unsigned long allocations;
+        double layers; ///< So many times the bytes of a layer.
+        void (*call)(Case&);
+    } rows[] = {
+        {"questions", 0, 0,
+         [](Case& c) {
+             c.it.empty();
+             c.it.hasLayer("d");
+             c.it.outroStartFrame();
+             c.it.simulatedDurationInSeconds(c.it.durationInSeconds());
+         }},
+        {"layer", 1, 1, [](Case& c) { c.it.layer("a"); }},
+
+        // An entry and its keys for each layer, and a list of totals.
+        {"copy", 7, 3, [](Case& c) { Animation copy(c.it); }},
+        {"loop(5)", 7, 15.1, [](Case& c) { c.it.loop(5, true, true); }},
+        {"loop(0)", 9, 3, [](Case& c) { c.it.loop(0, true, true); }},
+        {"splitAt", 14, 3, [](Case& c) { c.it.splitAt(c.size, true, true); }},
+        {"splitEach", 20, 3, [](Case& c) { c.it.splitEach(c.size, true, true); }},
+        {"introBodyOutroLayers", 18, 3,
+         [](Case& c) { c.it.introBodyOutroLayers(c.intro, c.body, c.outro); }},
+
+        // The layer, which grows as a vector does; and an entry, if it is created.
+        {"fillInLayer", 1, 2, [](Case& c) { c.it.fillInLayer("a", 2 * c.size + 1); }},
+        {"insertInLayer", 1, 2, [](Case& c) { c.it.insertInLayer("a", Hold, {2}, 5, c.size); }},
+        {"pushBackInLayer", 1, 2, [](Case& c) { c.it.pushBackInLayer("a", c.it.layers["a"]); }},
+        {"removeInLayer", 0, 0, [](Case& c) { c.it.removeInLayer("a", 1, c.size); }},
+        {"overrideLayerWith", 1, 2,
+         [](Case& c) { c.it.overrideLayerWith("a", c.it.layers["b"], c.size); }},
+        {"a new layer", 2, 1, [](Case& c) { c.it.insertInLayer("d", c.it.layers["a"], 0); }},
+
+        // Each of four layers, and lists of totals and of edits.
+        {"insert", 6, 8, [](Case& c) { c.it.insert(std::move(c.other), c.size); }},
+        {"pushBack", 7, 8, [](Case& c) { c.it.pushBack(std::move(c.other), true, true); }},
+        {"pushBack, cut", 6, 4, [](Case& c) { c.it.pushBack(std::move(c.other), false, false); }},
+        {"remove", 1, 0, [](Case& c) { c.it.remove(1, c.size); }},
+        {"overrideLayersWith", 6, 5, [](Case& c) { c.it.overrideLayersWith(c.other, c.size); }},
+        // And a copy of the other animation.
+        {"insert a copy", 13, 11, [](Case& c) { c.it.insert(c.other, c.size); }},
+    };
+    for (const auto& row : rows)
+        for (const unsigned int size : {100U, 10000U}) {
+            Case c(size);
+            const Taken taken = taken_by([&] { row.call(c); });
+            EXPECT_LE(taken.allocations, row.allocations) << row.name << " of " << size;
+            EXPECT_LE(taken.bytes, row.layers * 20 * size + 9000) << row.name << " of " << size;
+        }
 }
 
 } // namespace

@@ -8,20 +8,32 @@ using namespace Kiv;
 namespace {
 
 TEST(RotationTest, TravelsTwiceAroundTheRing) {
-    const std::tuple<unsigned int, unsigned int, unsigned int, unsigned int, const char*> rows[] = {
+    const struct {
+        unsigned int rise;
+        unsigned int fall;
+        unsigned int step;
+        unsigned int outro;
+        const char* pulses;
+    } rows[] = {
         {4, 3, 1, 6, "T2,-1:4 T-1,2:3 H2:1 T2,-1:4 T-1,2:3"},
         {4, 4, 1, 7, "T2,-1:4 T-1,2:4 T2,-1:4 T-1,2:4"},
         {5, 5, 1, 11, "T2,-1:5 T-1,2:5 T2,-1:5 T-1,2:5"},
-        {1, 1, 4, 0, "T2,-1:1 T-1,2:1 H2:30 T2,-1:1 T-1,2:1"}};
-    for (const auto& [rise, fall, step, outro, pulses] : rows) {
-        const Rotation it(-1, 2, rise, fall, step);
+        {1, 1, 4, 0, "T2,-1:1 T-1,2:1 H2:30 T2,-1:1 T-1,2:1"},
+    };
+    for (const auto& row : rows) {
+        Animation expected;
+        expected.introSize = 8 * row.step;
+        expected.outroSize = row.outro;
         for (unsigned int i = 0; i < 8; ++i) {
-            const std::string before = i > 0 ? "H2:" + std::to_string(i * step) : "",
-                              behind = i < 7 ? "H2:" + std::to_string((7 - i) * step) : "";
-            EXPECT_EQ(it.layer("FaceLed" + std::to_string(i)),
-                      keys(before + ' ' + pulses + ' ' + behind));
+            KeyVector& layer = expected.layers["FaceLed" + std::to_string(i)];
+            layer = keys(row.pulses);
+            if (i > 0)
+                layer.insert(layer.begin(), AnimationKey({Hold, {2}}, i * row.step));
+            if (i < 7)
+                layer.push_back(AnimationKey({Hold, {2}}, (7 - i) * row.step));
         }
-        EXPECT_TRUE(it.layers.size() == 8 && it.introSize == 8 * step && it.outroSize == outro);
+        const Animation rotation = Rotation(-1, 2, row.rise, row.fall, row.step);
+        EXPECT_EQ(rotation, expected);
     }
 }
 
@@ -39,11 +51,17 @@ TEST(RotationTest, KeysAreAppendedToLayersThatAreThere) {
     struct Twice : Rotation {
         Twice() : Rotation(1, 0, 1, 1, 1) { _init(); }
     };
-    const Rotation twice = Twice(), once(1, 0, 1, 1, 1);
+    const Twice twice;
     EXPECT_EQ(twice.layer("FaceLed1"), keys("H0:1 H0:1 T0,1:1 T1,0:1 H0:6 T0,1:1 T1,0:1 H0:6 "
                                             "T0,1:1 T1,0:1 H0:6 T0,1:1 T1,0:1 H0:6"));
-    EXPECT_TRUE(twice.outroSize == 34 - 16 && twice != once && Rotation(once) == once &&
-                Rotation(2, 0, 1, 1, 1) != once);
+    EXPECT_EQ(twice.durationInFrames(), 34U);
+    EXPECT_EQ(twice.outroSize, 34U - 16U);
+}
+
+TEST(RotationTest, ComparesWhatItIsBuiltFrom) {
+    const Rotation rotation(1, 0, 1, 1, 1);
+    EXPECT_EQ(Rotation(rotation), rotation);
+    EXPECT_NE(Rotation(2, 0, 1, 1, 1), rotation);
 }
 
 } // namespace
