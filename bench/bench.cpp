@@ -50,7 +50,7 @@ struct Work {
         results.reserve(1);
     }
     unsigned int frames(std::size_t keys) const { return unsigned(keys) * keyFrames; }
-    /// A frame inside the key behind so many.
+    /// A frame inside the key after so many.
     unsigned int inside(std::size_t keys) const { return frames(keys) + 3; }
 
     Key key = std::bit_cast<Key>(AnimationKey({Transition, {0, 1}}, keyFrames));

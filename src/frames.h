@@ -73,7 +73,7 @@ inline std::size_t pass_keys(unsigned int& frame, Keys keys, unsigned int target
     return passed + pass_singly(frame, keys.subspan(passed), target);
 }
 
-/// The end of the range of `count` frames from `start`, or `maxFrame` if it lies behind that.
+/// The end of the range of `count` frames from `start`, or `maxFrame` if it lies after that.
 constexpr unsigned int end_of_range(unsigned int start, unsigned int count) {
     return count <= maxFrame - start ? start + count : maxFrame;
 }

@@ -93,7 +93,7 @@ echo "$(wc -l <expected) frames of an edited recording played, recorded and comp
 
 # Ctrl-C leaves no light on.
 record stopped sh -c 'timeout --signal=INT 0.5 "$0" show --play || true' "$lightshow"
-[ -z "$(values stopped | tail -1 | tr -d '0,')" ] || fail 'lights stay on behind Ctrl-C'
+[ -z "$(values stopped | tail -1 | tr -d '0,')" ] || fail 'lights stay on after Ctrl-C'
 [ "$(values stopped | wc -l)" -gt 10 ] || fail 'nothing was played'
 
 says() { # what is to be said, with status 1

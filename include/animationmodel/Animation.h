@@ -39,15 +39,20 @@ using LayerMap = std::map<std::string, KeyVector>;
 /// every frame: `insert` and `remove` leave its size, `pushBack` drops nothing for it, and splits
 /// mark nothing with it. `outroStartFrame()` is then 0, and `introBodyOutroLayers` cuts there.
 ///
-/// Costs are said in keys, read and written; every operation is one pass. Memory is not allocated
-/// for single keys:
+/// Costs are said in keys: the time of an operation grows as the number of keys that it reads and
+/// writes. Where it has to know what the layers last before it begins, it reads them twice.
 ///
-///     questions            none; `layer` once
-///     one layer            at most once, and once for a layer that is created
-///     all layers           at most once a layer, once for each one created, and up to three lists
-///     copies, maps, pieces an entry and its keys for each layer; lists; `loop` a buffer
+/// Memory is not allocated for single keys, but for those of a layer together:
 ///
-/// While an operation runs there is what was before and what will be, and no third copy of it.
+///     questions         nothing; `layer` a list of keys
+///     one layer         its keys at most, and an entry if it is created
+///     all layers        at most the keys of each layer, an entry for each one created, and lists
+///     new layers        an entry and the keys for each, and lists
+///
+/// There are up to three such lists, with an item a layer: what it lasts, or its edit. Splitting
+/// also has lists of its cuts and of its pieces. While an operation runs it holds the layers as
+/// they were and as they will be, and one layer more at most. An argument that is taken by value is
+/// a copy of its own, unless it is moved in.
 ///
 /// Distinct animations share nothing but `defaultFps`. Const operations may run at the same time.
 class ANIMATIONMODEL_EXPORT Animation {
@@ -174,7 +179,7 @@ public:
     void pushBackInLayer(const std::string& name, AnimationKeyCommandEffect effect,
                          std::initializer_list<float> args, unsigned int duration);
 
-    /// Takes the frames [start, start + count) out of the layer; what lay behind them moves up.
+    /// Takes the frames [start, start + count) out of the layer; what lay after them moves up.
     ///
     ///     before  | A A A A | B B B B B B |            removeInLayer("led", 2, 5)
     ///     after   | A A | B B B |
@@ -200,8 +205,16 @@ public:
     ///
     ///     before  | A A A A | B B B B B B |            overrideLayerWith("led", X(3), 2)
     ///     after   | A A | X X X | B B B B B B |
+    ///             0     2       5             11
     ///
-    /// A run that begins past the end begins there all the same, behind one more `Wait` key.
+    /// Here X begins inside A and ends inside B, whose first frame it covers. All of B plays after
+    /// X, a frame later than before, and the layer lasts a frame longer. To keep B in its place,
+    /// cut it at the run's end beforehand:
+    ///
+    ///     removeInLayer("led", 5, 0)           | A A A A | B | B B B B B |
+    ///     overrideLayerWith("led", X(3), 2)    | A A | X X X | B B B B B |
+    ///
+    /// A run that begins past the end begins there all the same, after one more `Wait` key.
     /// Costs all keys of the animation, to find its duration, and those of `keys`.
     void overrideLayerWith(const std::string& name, const KeyVector& keys, unsigned int frame);
 
@@ -217,7 +230,7 @@ public:
     ///             M | ~ ~ ~ ~ | Y Y Y |
     ///
     /// A layer that `other` lacks gets a `Wait` key in its place. A layer that only `other` has is
-    /// created, with a `Wait` key up to `frame` and none behind.
+    /// created, with a `Wait` key up to `frame` and none after.
     ///
     /// `introSize` grows by the frames inserted if `frame` is less than it; at `frame` equal to it
     /// they belong to the body. `outroSize` grows if `frame` is greater than the outro's first
@@ -234,8 +247,8 @@ public:
     ///     after   | A A A A A | X X X X |         pushBack(other, false, false)
     ///
     /// An outro or intro that is kept becomes part of the body. `outroSize` becomes that of
-    /// `other`, even of one without keys. `introSize` stays, unless edits let it reach into an
-    /// outro that is dropped, or past the end.
+    /// `other`, even of one without keys. `introSize` stays. (Edits may have left an intro that
+    /// reaches past the place where `other` begins; that changes as `remove` and `insert` say.)
     ///
     /// Without layers here the result has those of `other`; an `other` without keys still drops the
     /// outro unless it is kept. `other`, without what is dropped, is filled and checked like a
@@ -311,11 +324,12 @@ public:
     /// is filled. An animation without keys gives pieces without layers. At frame 0 the first piece
     /// has no frames, at or past the end the last one.
     ///
-    /// With `keepIntro` the first piece that ends at or behind the end of the intro is marked: its
-    /// `introSize` is what lies in it of the intro. With `keepOutro` the first piece that ends at
-    /// or behind the outro's first frame is marked: its `outroSize` is what lies in it of the
-    /// outro, which is 0 if it ends right there. The last piece is never marked, and all other
-    /// sizes are 0. Where layers differ in length, the first one to reach the boundary decides.
+    /// With `keepIntro` one piece is marked with the intro: the first one that ends where the intro
+    /// does, or later. Its `introSize` is the part of the intro that lies in it. With `keepOutro`
+    /// one piece is marked with the outro: the first one that ends where the outro begins, or
+    /// later. Its `outroSize` is the part of the outro that lies in it, which is 0 if it ends right
+    /// there. The last piece is never marked, and all other sizes are 0. Where layers differ in
+    /// length, the first one to reach the boundary decides.
     ///
     /// Throws std::invalid_argument if `fps` is 0 or less. Costs all keys.
     std::vector<Animation> splitAt(unsigned int frame, bool keepIntro, bool keepOutro) const;
@@ -385,8 +399,8 @@ protected:
     /// Walks to `start` and takes the frames [start, start + count) out. Keys across either end are
     /// cut there; a range that would pass 2^32 - 1 goes to the end.
     ///
-    /// Afterwards `it` is the first key behind the range. `frame` counts as if nothing had been
-    /// removed: where that key began, or where its cut at `start` did.
+    /// Afterwards `it` is the first key after the range. `frame` is where that key began before
+    /// anything was removed, or `start` if it was cut there too; at the end, the layer's total.
     static void _removeKeys(unsigned int& frame, KeyVector::iterator& it, KeyVector& layer,
                             unsigned int start, unsigned int count);
     /// @}

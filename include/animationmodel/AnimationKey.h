@@ -29,12 +29,17 @@ public:
     ///     Transition (0, 100) over 10    splitAt(3)
     ///     Transition (0, 30) over 3, Transition (30, 100) over 7
     ///
-    /// The pieces of a `Transition` meet in the value that it has at the cut, frame x (end - start)
-    /// / duration + start in single precision: frames above 2^24 are rounded, and a product beyond
-    /// the floats' range is infinite. Those of all other effects carry the same command. At frame
-    /// 0, and at the end or past it, there is nothing to cut: the result is one copy of the key. A
-    /// `Transition` whose arguments are not two (someone set `effect` or `args` afterwards) is cut
-    /// as if it did not move.
+    /// The pieces of a `Transition` meet in the value that it has at the cut:
+    ///
+    ///     frame x (end - start) / duration + start
+    ///
+    /// Each step is rounded to single precision, from left to right. Frames above 2^24 are rounded
+    /// too. A product beyond the floats' range is infinite.
+    ///
+    /// The pieces of all other effects carry the same command. So do those of a `Transition` whose
+    /// arguments are not two, because someone has set its fields: it is cut as if it did not move.
+    /// At frame 0, and at the end or past it, there is nothing to cut: the result is one copy of
+    /// the key.
     KeyVector splitAt(unsigned int frame) const;
 
     /// The key cut into pieces of `step` frames and one last piece of what remains, 1 to `step`

@@ -15,8 +15,8 @@ namespace Kiv {
 /// A layer rises from `restValue` to `pulseValue`, falls back, and does so again one revolution
 /// (8 x `stepDuration`) after its first rise, or at once where the pulse lasts as long or longer.
 /// Before, between and after it holds `restValue`; all layers are equally long. The intro is the
-/// first revolution, the outro what lies behind the second one: nothing, if the pulse is no longer
-/// than a step. The frame rate is `Animation::defaultFps`.
+/// first revolution. The outro is what lies after the second one: nothing, if the pulse is no
+/// longer than a step. The frame rate is `Animation::defaultFps`.
 ///
 /// Otherwise an animation like any other, which is copied, moved and assigned as one. The fields
 /// describe how it was built; editing leaves them as they are.
