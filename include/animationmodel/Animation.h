@@ -8,6 +8,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Kiv {
@@ -56,6 +57,10 @@ using LayerMap = std::map<std::string, KeyVector>;
 ///
 /// Distinct animations share nothing but `defaultFps`. Const operations may run at the same time.
 class ANIMATIONMODEL_EXPORT Animation {
+    struct NoLayer { // nothing can be made one, `{}` neither
+        explicit NoLayer(const NoLayer&) = delete;
+    };
+
 public:
     /// The frame rate, 25 at first, that `reset()` and the constructors without another one take.
     /// Not synchronised: change it while no other thread constructs, resets or loops.
@@ -66,6 +71,9 @@ public:
 
     /// No layers, at `fps` frames per second. Throws std::invalid_argument if it is 0 or less.
     explicit Animation(float fps);
+
+    /// What `Animation({})` and `Animation{{}}` call: no layers, as by default.
+    Animation(std::initializer_list<NoLayer> /*none*/) : Animation() {}
 
     /// Copies of `layers`, without intro and outro, at `defaultFps`. Fills and checks.
     Animation(const LayerMap& layers);
@@ -84,6 +92,13 @@ public:
     /// Like the move constructor.
     Animation& operator=(Animation&& other) noexcept;
     virtual ~Animation();
+
+    friend void swap(Animation& a, Animation& b) noexcept {
+        a.layers.swap(b.layers);
+        std::swap(a.introSize, b.introSize);
+        std::swap(a.outroSize, b.outroSize);
+        std::swap(a.fps, b.fps);
+    }
 
     /// \name Questions
     /// @{
@@ -105,6 +120,10 @@ public:
     static unsigned int durationInFramesOf(const LayerMap& layers);
     /// Frames of one layer; 0 if it is empty.
     static unsigned int durationInFramesOf(const KeyVector& layer);
+    /// The same for keys in braces; `{}` is none.
+    static unsigned int durationInFramesOf(std::initializer_list<AnimationKey> layer) {
+        return durationInFramesOf(KeyVector(layer));
+    }
 
     /// The first frame of the outro: the duration minus `outroSize`. Without an outro that is the
     /// duration itself; 0 if the outro is longer than the animation. Costs all keys.
@@ -217,6 +236,28 @@ public:
     /// A run that begins past the end begins there all the same, after one more `Wait` key.
     /// Costs all keys of the animation, to find its duration, and those of `keys`.
     void overrideLayerWith(const std::string& name, const KeyVector& keys, unsigned int frame);
+    /// The same with one key.
+    void overrideLayerWith(const std::string& name, const AnimationKey& key, unsigned int frame) {
+        overrideLayerWith(name, KeyVector{key}, frame);
+    }
+    /// The same with keys in braces; `{}` is none.
+    void overrideLayerWith(const std::string& name, std::initializer_list<AnimationKey> keys,
+                           unsigned int frame) {
+        overrideLayerWith(name, KeyVector(keys), frame);
+    }
+    /// The same with one key built from `effect`, `args` and `duration`, for whose mismatch it
+    /// throws std::invalid_argument as the constructors of the command and of the key do.
+    void overrideLayerWith(const std::string& name, AnimationKeyCommandEffect effect,
+                           const std::vector<float>& args, unsigned int duration,
+                           unsigned int frame) {
+        overrideLayerWith(name, AnimationKey({effect, args}, duration), frame);
+    }
+    /// The same with arguments in braces; `{}` is none.
+    void overrideLayerWith(const std::string& name, AnimationKeyCommandEffect effect,
+                           std::initializer_list<float> args, unsigned int duration,
+                           unsigned int frame) {
+        overrideLayerWith(name, AnimationKey({effect, args}, duration), frame);
+    }
 
     /// @}
     /// \name Editing all layers

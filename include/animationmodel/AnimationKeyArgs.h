@@ -10,24 +10,29 @@
 #include <iterator>
 #include <new>
 #include <stdexcept>
-#include <utility>
 #include <vector>
 
 namespace Kiv {
 
-/// The arguments of one command: up to two floats, kept inside the command. To its users it is a
-/// `std::vector<float>` with a capacity of 2, which the standard calls
-/// `std::inplace_vector<float, 2>`.
+/// The arguments of one command: up to two floats, kept inside the command.
 ///
-/// What would hold more than two throws std::bad_alloc and changes nothing. `at` throws
-/// std::out_of_range; every other access is to an element that is there. Copies share nothing.
+/// It has the interface of `std::inplace_vector<float, 2>`, a vector with a capacity of 2, and also
+/// converts from and to a `std::vector<float>`. What would hold more than two throws std::bad_alloc
+/// and changes nothing; `try_push_back` returns null instead. `at` throws std::out_of_range. Every
+/// other access is to an element that is there. Copies share nothing.
 ///
-/// A trivial type, so that layers are copied by one plain memory copy: `{}` is empty, but one that
-/// is defined without any initializer holds nothing that may be read, as a plain float does.
+/// It is a trivial type, for layers are copied by one plain memory copy. So `AnimationKeyArgs a{}`
+/// is empty, but `AnimationKeyArgs a` holds nothing that may be read, like `float b`.
 class AnimationKeyArgs {
+    template <class Iterator>
+    using IfIterator = typename std::iterator_traits<Iterator>::iterator_category;
+    using List = std::initializer_list<float>;
+    using Vector = std::vector<float>;
+    using Args = AnimationKeyArgs;
+
 public:
     /// @{
-    /// As in `std::vector<float>`.
+    /// As in `std::inplace_vector`.
     using value_type = float;
     using size_type = std::size_t;
     using difference_type = std::ptrdiff_t;
@@ -39,146 +44,164 @@ public:
     using const_iterator = const float*;
     using reverse_iterator = std::reverse_iterator<iterator>;
     using const_reverse_iterator = std::reverse_iterator<const_iterator>;
-
     AnimationKeyArgs() = default;
-    AnimationKeyArgs(std::initializer_list<float> given) : count(0), values{} { assign(given); }
-    AnimationKeyArgs(const std::vector<float>& given) : count(0), values{} { *this = given; }
-    explicit AnimationKeyArgs(size_type size, float value = 0) : count(0), values{} {
+    constexpr AnimationKeyArgs(List given) : Args(given.begin(), given.end()) {}
+    constexpr explicit AnimationKeyArgs(size_type size, float value = 0) : count(0), values() {
         resize(size, value);
     }
-    template <class Iterator, class = typename std::iterator_traits<Iterator>::iterator_category>
-    AnimationKeyArgs(Iterator first, Iterator last) : count(0), values{} {
-        assign(first, last);
-    }
-
-    AnimationKeyArgs& operator=(std::initializer_list<float> given) {
-        assign(given);
-        return *this;
-    }
-    AnimationKeyArgs& operator=(const std::vector<float>& given) {
-        assign(given.begin(), given.end());
-        return *this;
-    }
-    void assign(size_type size, float value) {
-        AnimationKeyArgs result{};
-        result.resize(size, value);
-        *this = result;
-    }
-    void assign(std::initializer_list<float> given) { assign(given.begin(), given.end()); }
-    template <class Iterator, class = typename std::iterator_traits<Iterator>::iterator_category>
-    void assign(Iterator first, Iterator last) {
-        AnimationKeyArgs result{};
+    template <class Iterator, class = IfIterator<Iterator>>
+    constexpr AnimationKeyArgs(Iterator first, Iterator last) : count(0), values() {
         for (; first != last; ++first)
-            result.push_back(static_cast<float>(*first));
-        *this = result;
+            push_back(static_cast<float>(*first));
     }
 
-    float& operator[](size_type index) {
-        assert(index < size());
-        return values[index];
+    constexpr Args& operator=(List given) { return *this = Args(given); }
+    constexpr void assign(size_type size, float value) { *this = Args(size, value); }
+    constexpr void assign(List given) { *this = given; }
+    template <class Iterator, class = IfIterator<Iterator>>
+    constexpr void assign(Iterator first, Iterator last) {
+        *this = Args(first, last);
     }
-    const float& operator[](size_type index) const {
-        assert(index < size());
-        return values[index];
-    }
-    float& at(size_type index) {
-        checkIndex(index);
-        return values[index];
-    }
-    const float& at(size_type index) const {
-        checkIndex(index);
-        return values[index];
-    }
-    float& front() { return (*this)[0]; }
-    const float& front() const { return (*this)[0]; }
-    float& back() { return (*this)[size() - 1]; }
-    const float& back() const { return (*this)[size() - 1]; }
-    float* data() noexcept { return values; }
-    const float* data() const noexcept { return values; }
 
-    iterator begin() noexcept { return values; }
-    const_iterator begin() const noexcept { return values; }
-    const_iterator cbegin() const noexcept { return values; }
-    iterator end() noexcept { return values + count; }
-    const_iterator end() const noexcept { return values + count; }
-    const_iterator cend() const noexcept { return values + count; }
-    reverse_iterator rbegin() noexcept { return reverse_iterator(end()); }
-    const_reverse_iterator rbegin() const noexcept { return const_reverse_iterator(end()); }
-    const_reverse_iterator crbegin() const noexcept { return rbegin(); }
-    reverse_iterator rend() noexcept { return reverse_iterator(begin()); }
-    const_reverse_iterator rend() const noexcept { return const_reverse_iterator(begin()); }
-    const_reverse_iterator crend() const noexcept { return rend(); }
+    constexpr float& operator[](size_type i) { return assert(i < count), values[i]; }
+    constexpr const float& operator[](size_type i) const { return assert(i < count), values[i]; }
+    constexpr float& at(size_type i) { return checkIndex(i), values[i]; }
+    constexpr const float& at(size_type i) const { return checkIndex(i), values[i]; }
+    constexpr float& front() { return (*this)[0]; }
+    constexpr const float& front() const { return (*this)[0]; }
+    constexpr float& back() { return (*this)[size() - 1]; }
+    constexpr const float& back() const { return (*this)[size() - 1]; }
+    constexpr float* data() noexcept { return values; }
+    constexpr const float* data() const noexcept { return values; }
 
-    bool empty() const noexcept { return count == 0; }
-    size_type size() const noexcept { return count; }
+    constexpr iterator begin() noexcept { return values; }
+    constexpr const_iterator begin() const noexcept { return values; }
+    constexpr const_iterator cbegin() const noexcept { return values; }
+    constexpr iterator end() noexcept { return values + count; }
+    constexpr const_iterator end() const noexcept { return values + count; }
+    constexpr const_iterator cend() const noexcept { return values + count; }
+    constexpr auto rbegin() noexcept { return reverse_iterator(end()); }
+    constexpr auto rbegin() const noexcept { return const_reverse_iterator(end()); }
+    constexpr auto crbegin() const noexcept { return const_reverse_iterator(end()); }
+    constexpr auto rend() noexcept { return reverse_iterator(begin()); }
+    constexpr auto rend() const noexcept { return const_reverse_iterator(begin()); }
+    constexpr auto crend() const noexcept { return const_reverse_iterator(begin()); }
+
+    constexpr bool empty() const noexcept { return count == 0; }
+    constexpr size_type size() const noexcept { return count; }
     static constexpr size_type max_size() noexcept { return 2; }
     static constexpr size_type capacity() noexcept { return 2; }
-    static void reserve(size_type size) {
+    static constexpr void reserve(size_type size) {
         if (size > capacity())
             throw std::bad_alloc();
     }
     static constexpr void shrink_to_fit() noexcept {}
-
-    void resize(size_type size, float value = 0) {
+    constexpr void resize(size_type size, float value = 0) {
         reserve(size);
-        std::fill(values + std::min<size_type>(count, size), values + size, value);
+        while (count < size)
+            unchecked_push_back(value);
         count = static_cast<std::uint32_t>(size);
     }
-    void push_back(float value) { resize(size() + 1, value); }
-    float& emplace_back(float value = 0) {
-        push_back(value);
-        return back();
+    constexpr float& unchecked_push_back(float value) {
+        assert(count < capacity());
+        return values[count++] = value;
     }
-    void pop_back() {
+    constexpr float& push_back(float value) {
+        reserve(size() + 1);
+        return unchecked_push_back(value);
+    }
+    constexpr float* try_push_back(float value) {
+        return count < capacity() ? &unchecked_push_back(value) : nullptr;
+    }
+    constexpr float& emplace_back(float value = 0) { return push_back(value); }
+    constexpr void pop_back() {
         assert(!empty());
         --count;
     }
-    void clear() noexcept { count = 0; }
-
-    iterator insert(const_iterator place, float value) {
-        iterator inserted = begin() + (place - begin());
-        push_back(value);
-        std::rotate(inserted, end() - 1, end());
-        return inserted;
+    constexpr void clear() noexcept { count = 0; }
+    template <class Iterator, class = IfIterator<Iterator>>
+    constexpr iterator insert(const_iterator at, Iterator first, Iterator last) {
+        return replace(at, at, Args(first, last));
     }
-    iterator erase(const_iterator place) { return erase(place, place + 1); }
-    iterator erase(const_iterator first, const_iterator last) {
-        iterator behind = begin() + (first - begin());
-        count = static_cast<std::uint32_t>(std::copy(last, cend(), behind) - begin());
-        return behind;
+    constexpr iterator insert(const_iterator at, size_type size, float value) {
+        return replace(at, at, Args(size, value));
     }
-    void swap(AnimationKeyArgs& other) noexcept { std::swap(*this, other); }
+    constexpr iterator insert(const_iterator at, List given) { return replace(at, at, given); }
+    constexpr iterator insert(const_iterator at, float value) { return insert(at, {value}); }
+    constexpr iterator emplace(const_iterator at, float value = 0) { return insert(at, {value}); }
+    constexpr iterator erase(const_iterator at) { return replace(at, at + 1, Args{}); }
+    constexpr iterator erase(const_iterator first, const_iterator last) {
+        return replace(first, last, Args{});
+    }
+    constexpr void swap(Args& other) noexcept {
+        const Args before = *this;
+        *this = other;
+        other = before;
+    }
+    friend constexpr void swap(Args& a, Args& b) noexcept { a.swap(b); }
     /// @}
 
-    /// The arguments as a vector of their own.
-    operator std::vector<float>() const { return std::vector<float>(begin(), end()); }
+    /// \name Vectors and ranges
+    /// @{
+    AnimationKeyArgs(const Vector& given) : Args(given.begin(), given.end()) {}
+    Args& operator=(const Vector& given) { return *this = Args(given); }
+    operator Vector() const { return Vector(begin(), end()); }
+#ifdef __cpp_lib_containers_ranges
+    template <class Range>
+    constexpr AnimationKeyArgs(std::from_range_t /*tag*/, Range&& range) : count(0), values() {
+        for (const float value : range)
+            push_back(value);
+    }
+#endif
+    /// @}
 
     /// \name Comparison
-    /// Number and values, with another one or with a vector: a NaN differs from itself, and 0
-    /// equals -0.
+    /// By number and values, with another one or with a vector: a NaN differs from itself, and 0
+    /// equals -0. The order is lexicographic.
     /// @{
-    friend bool operator==(const AnimationKeyArgs& a, const AnimationKeyArgs& b) noexcept {
+    friend constexpr bool operator==(const Args& a, const Args& b) noexcept {
+        return a.count == b.count && (a.count < 1 || a.values[0] == b.values[0]) &&
+               (a.count < 2 || a.values[1] == b.values[1]);
+    }
+    friend bool operator==(const Args& a, const Vector& b) noexcept {
         return std::equal(a.begin(), a.end(), b.begin(), b.end());
     }
-    friend bool operator==(const AnimationKeyArgs& a, const std::vector<float>& b) noexcept {
-        return std::equal(a.begin(), a.end(), b.begin(), b.end());
+    // clang-format off
+    friend bool operator==(const Vector& a, const Args& b) noexcept { return b == a; }
+#ifdef __cpp_impl_three_way_comparison
+    friend constexpr std::partial_ordering operator<=>(const Args& a, const Args& b) noexcept {
+        for (std::uint32_t i = 0; i < a.count && i < b.count; ++i)
+            if (a.values[i] != b.values[i])
+                return a.values[i] <=> b.values[i];
+        return a.count <=> b.count;
     }
-    friend bool operator==(const std::vector<float>& a, const AnimationKeyArgs& b) noexcept {
-        return b == a;
+#else
+    friend constexpr bool operator!=(const Args& a, const Args& b) noexcept { return !(a == b); }
+    friend bool operator!=(const Args& a, const Vector& b) noexcept { return !(a == b); }
+    friend bool operator!=(const Vector& a, const Args& b) noexcept { return !(b == a); }
+    friend bool operator<(const Args& a, const Args& b) noexcept {
+        return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end());
     }
-    friend bool operator!=(const AnimationKeyArgs& a, const AnimationKeyArgs& b) noexcept {
-        return !(a == b);
-    }
-    friend bool operator!=(const AnimationKeyArgs& a, const std::vector<float>& b) noexcept {
-        return !(a == b);
-    }
-    friend bool operator!=(const std::vector<float>& a, const AnimationKeyArgs& b) noexcept {
-        return !(b == a);
-    }
+    friend bool operator>(const Args& a, const Args& b) noexcept { return b < a; }
+    friend bool operator<=(const Args& a, const Args& b) noexcept { return !(b < a); }
+    friend bool operator>=(const Args& a, const Args& b) noexcept { return !(a < b); }
+#endif
+    // clang-format on
     /// @}
 
 private:
-    void checkIndex(size_type index) const {
+    /// Puts others in the place of [from, to); returns where they begin.
+    constexpr iterator replace(const_iterator from, const_iterator to, const Args& others) {
+        Args result(cbegin(), from);
+        for (const float value : others)
+            result.push_back(value);
+        for (; to != cend(); ++to)
+            result.push_back(*to);
+        const difference_type index = from - cbegin();
+        *this = result;
+        return begin() + index;
+    }
+    constexpr void checkIndex(size_type index) const {
         if (index >= size())
             throw std::out_of_range("AnimationKeyArgs::at");
     }
@@ -187,4 +210,20 @@ private:
     float values[2];
 };
 
+/// Take out the arguments for which `unwanted` is true, or that equal `value`; return how many.
+template <class Unwanted>
+constexpr std::size_t erase_if(AnimationKeyArgs& args, Unwanted unwanted) {
+    const auto first = std::remove_if(args.begin(), args.end(), unwanted);
+    const auto erased = static_cast<std::size_t>(args.end() - first);
+    args.resize(args.size() - erased);
+    return erased;
+}
+constexpr std::size_t erase(AnimationKeyArgs& args, float value) {
+    return erase_if(args, [value](float argument) { return argument == value; });
+}
+
 } // namespace Kiv
+
+namespace std { // which has them for all vectors
+using Kiv::erase, Kiv::erase_if;
+}

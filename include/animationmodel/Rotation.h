@@ -28,6 +28,8 @@ public:
     Rotation(float pulseValue, float restValue, unsigned int riseDuration,
              unsigned int fallDuration, unsigned int stepDuration);
 
+    friend void swap(Rotation& a, Rotation& b) noexcept { std::swap(a, b); }
+
     /// As animations compare, and all fields.
     friend bool operator==(const Rotation& a, const Rotation& b) {
         const Animation& base = a;

@@ -1,6 +1,8 @@
+// Uses the library as a program elsewhere does: through its border, in the forms that a client
+// would write.
+
 #include <animationmodel/Rotation.h>
 
-#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <stdexcept>
@@ -8,45 +10,107 @@
 
 using namespace Kiv;
 
-/// Arguments are used as a vector of floats is.
-bool argumentsAreAVector(AnimationKeyArgs args) {
-    args.push_back(1), args.insert(args.begin(), 2), args.at(1) += args.front() - *args.rbegin();
+namespace {
+
+int failures = 0;
+
+void expect(bool fact, const char* text) {
+    if (!fact) {
+        std::cerr << "not so: " << text << '\n';
+        ++failures;
+    }
+}
+#define EXPECT(...) expect((__VA_ARGS__), #__VA_ARGS__)
+
+constexpr AnimationKeyArgs rise{0, 1};
+static_assert(rise.back() == 1 && rise != AnimationKeyArgs{});
+
+void useArgumentsAsAVector() {
+    AnimationKeyArgs args{};
+    args.push_back(1) += 2;
+    args.insert(args.begin(), 7);
+    EXPECT(args == make_vector(7, 3));
+    EXPECT(args.try_push_back(4) == nullptr);
+    args.erase(args.begin());
+    args.emplace(args.end(), 5.0F);
+    EXPECT(args == AnimationKeyArgs{3, 5});
+    EXPECT(rise < args && args >= rise);
+
     const std::vector<float> vector = args;
-    AnimationKeyArgs other = {6, 7}, empty{};
-    other.erase(other.begin() + 1, other.end()), other.resize(2, other.back()), other.swap(args);
-    bool alike = other == vector && vector != args && args == make_vector(6, 6);
-    args = make_vector(1), other.assign(1, *args.cbegin()), empty.clear(), args.shrink_to_fit();
-    return alike && args == other && empty.empty() && (args = {}) == std::vector<float>();
+    args.clear();
+    args.unchecked_push_back(6);
+    args.insert(args.end(), vector.begin(), vector.begin() + 1);
+    EXPECT(args == make_vector(6, 3));
+    EXPECT(erase(args, 6) == 1);
+    EXPECT(std::erase_if(args, [](float value) { return value < 3; }) == 0);
+    args.insert(args.begin(), {4});
+    EXPECT(args == make_vector(4, 3));
+    args = {};
+    args.insert(args.begin(), 2, 9.0F);
+    AnimationKeyArgs other = make_vector(8);
+    swap(args, other);
+    EXPECT(other == std::vector<float>(2, 9));
+    EXPECT(args != vector);
 }
 
-// Uses the library as a program elsewhere does: one `defaultFps`, exceptions across its border.
-int main() {
-    Animation::defaultFps = 50;
-    Animation lamp({{"lamp", {{{Transition, {0, 1}}, 10}, {{Hold, {1}}, 5}, {Wait, 5}}}}, 5, 0);
+void useBraces() {
+    const AnimationKey wait(Wait, 4);
+    EXPECT(Animation::durationInFramesOf({wait, {{Hold, {1}}, 3}}) == 7);
+    EXPECT(Animation::durationInFramesOf({}) == 0);
+    EXPECT(Animation::durationInFramesOf({{"lamp", {wait, wait}}}) == 8);
+    EXPECT(Animation({}).layers.empty());
+    EXPECT(Animation{{}}.layers.empty());
+
+    Animation lamp({{"lamp", {{{Transition, {0, 1}}, 10}, wait}}}, 5, 0);
     lamp.insertInLayer("lamp", {{NoValue, 2}, {Wait, 1}}, 3);
-    lamp.pushBackInLayer("lamp", Transition, make_vector(1, 0), 4);
+    lamp.pushBackInLayer("lamp", Transition, {1, 0}, 4);
+    lamp.overrideLayerWith("lamp", wait, 20);
+    lamp.overrideLayerWith("lamp", Hold, {2}, 3, 14);
+    lamp.overrideLayerWith("lamp", {wait, {NoValue, 1}}, 0);
+    EXPECT(lamp.durationInFrames() == 21);
+    EXPECT(lamp.layer("lamp").size() == 8);
+    EXPECT(lamp.splitAt({4, 8}, true, false).size() == 3);
+}
 
-    std::vector<Rotation> rotations{{1, 0, 2, 3, 1}, {0, 1, 2, 3, 1}};
-    std::swap(rotations[0], rotations[1]);
-    rotations.erase(rotations.begin());
-    std::cout << rotations[0] << lamp.layer("lamp") << '\n';
-    const std::unique_ptr<Animation> turning = std::make_unique<Rotation>(rotations[0]);
-    std::map<std::string, Animation> scenes{{"lamp", lamp}, {"turning", *turning}};
-    scenes["both"] = lamp;
-    scenes["both"].overrideLayersWith(*turning, 2);
-    std::swap(scenes["both"], scenes["lamp"]);
-
-    for (AnimationKey& key : scenes["lamp"].layers["lamp"])
+void useAnimationsAsValues() {
+    Animation lamp({{"lamp", {{{Hold, {1}}, 5}}}});
+    Animation none;
+    swap(lamp, none);
+    std::swap(lamp, none);
+    EXPECT(none.layers.empty());
+    for (AnimationKey& key : lamp.layers["lamp"])
         for (float& value : key.command.args)
             value *= 2;
-    std::vector<Animation> pieces = lamp.splitAt({4, 8}, true, false);
-    pieces.erase(pieces.begin());
-    const bool good = argumentsAreAVector({}) && pieces.size() == 2 && scenes["both"] == lamp &&
-                      scenes["lamp"].layer("lamp").back().command.args.at(0) == 2;
+    EXPECT(lamp.layer("lamp").back().command.args.at(0) == 2);
+
+    std::vector<Rotation> rotations{{1, 0, 2, 3, 1}, {0, 1, 2, 3, 1}};
+    swap(rotations[0], rotations[1]);
+    rotations.erase(rotations.begin());
+    const std::unique_ptr<Animation> turning = std::make_unique<Rotation>(rotations[0]);
+    EXPECT(rotations[0].pulseValue == 1);
+    EXPECT(turning->layer("FaceLed0") == rotations[0].layer("FaceLed0"));
+    std::cout << *turning << '\n' << lamp.layer("lamp") << '\n';
+}
+
+/// There is one `defaultFps`, and an exception crosses the library's border.
+void crossTheBorder() {
+    Animation::defaultFps = 50;
+    EXPECT(Animation().fps == 50);
+    bool refused = false;
     try {
-        const Animation refused(-1.0F);
-    } catch (const std::invalid_argument& error) {
-        return good && turning->fps == 50 ? 0 : 1;
+        const Animation none(-1.0F);
+    } catch (const std::invalid_argument&) {
+        refused = true;
     }
-    return 1;
+    EXPECT(refused);
+}
+
+} // namespace
+
+int main() {
+    useArgumentsAsAVector();
+    useBraces();
+    useAnimationsAsValues();
+    crossTheBorder();
+    return failures;
 }
