@@ -84,13 +84,19 @@ TEST(AnimationTest, CopiesShareNothingAndAreFilled) {
 }
 
 TEST(AnimationTest, MovesTakeAnAnimationAsItIs) {
-    Animation source = animation("a: H1:10; b: H2:4 | 3 2");
+    Animation expected = animation("a: H1:10; b: H2:4 | 3 2");
+    expected.fps = 10;
+    Animation source(10);
+    source.layers = expected.layers;
+    source.introSize = 3;
+    source.outroSize = 2;
     Animation& self = source;
     self = std::move(source);
-    EXPECT_EQ(source, animation("a: H1:10; b: H2:4 | 3 2"));
-    const Animation moved = std::move(source);
-    EXPECT_EQ(moved, animation("a: H1:10; b: H2:4 | 3 2"));
-    EXPECT_EQ(source, Animation()); // NOLINT: what is left of it is part of the contract
+    EXPECT_EQ(source, expected);
+    Animation moved;
+    moved = std::move(source);
+    EXPECT_EQ(moved, expected);
+    EXPECT_EQ(source, Animation(10)); // what is left of it is part of the contract
 }
 
 TEST(AnimationTest, AnswersForItsLayers) {

@@ -53,7 +53,8 @@ void expectPrograms(Check check, unsigned int thousandths, unsigned long leastCa
         std::vector<unsigned char> bytes(random() % 800);
         for (unsigned char& byte : bytes)
             byte = static_cast<unsigned char>(random());
-        ASSERT_EQ(run_program(bytes, check, calls), "") << "program " << seed;
+        const std::string fault = run_program(bytes, check, calls);
+        ASSERT_TRUE(fault.empty()) << "program " << seed << ": " << fault;
     }
     EXPECT_GT(static_cast<double>(calls), static_cast<double>(leastCalls) * thousands / 10);
     testing::Test::RecordProperty("calls", std::to_string(calls));
