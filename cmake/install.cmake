@@ -5,7 +5,8 @@ set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/animationmodel")
 install(TARGETS animationmodel EXPORT animationmodel
     LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
     ARCHIVE COMPONENT development
-    FILE_SET HEADERS COMPONENT development)
+    FILE_SET HEADERS COMPONENT development
+    FILE_SET json COMPONENT development)
 install(EXPORT animationmodel NAMESPACE Kiv:: FILE animationmodelConfig.cmake
     DESTINATION "${package_dir}" COMPONENT development)
 

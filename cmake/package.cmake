@@ -23,6 +23,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libanimationmodel-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "libanimationmodel${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION}), libstdc++-12-dev | libstdc++-dev")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS nlohmann-json3-dev) # for <animationmodel/json.h>
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION
     "Key-frame animations as data (development files)
 Builds, edits, loops, cuts and splits animations of named layers of keys, for

@@ -1,0 +1,340 @@
+#pragma once
+
+#include <animationmodel/Animation.h>
+
+#include <nlohmann/json.hpp>
+
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+/// \file
+/// Animations as JSON, by nlohmann's library, which a program that includes this header has to
+/// have:
+///
+///     const nlohmann::json file = animation;
+///     const auto same = file.get<Kiv::Animation>();
+///
+///     { "fps": 25, "introSize": 10, "outroSize": 10,
+///       "layers": { "lamp": [ ["Transition", [0, 1], 10], ["Hold", [0.1], 20] ] } }
+///
+/// A key is its effect, its arguments and its frames. The effect is its name or, where it has none,
+/// its number; a number may also stand for a named one. `fps` may be left out, and is 25 then,
+/// whatever `Animation::defaultFps` is; the sizes may be left out, and are 0 then.
+///
+/// An animation is written and read exactly as it is, neither filled nor checked: layers may differ
+/// in length, and sizes and frame rate may be such that a copy would be refused. What is written is
+/// read back equal, every float with the same bits. Only a NaN may get other bits: it is written as
+/// "nan", and infinities as "inf" and "-inf". Any other float becomes the number with the fewest
+/// digits that reads back as this float: 0.1, not 0.10000000149011612. (`dump` prints one in some
+/// thousand of those numbers with more digits than it has; it reads back all the same.) A number
+/// that is read is rounded to the nearest float.
+///
+/// Reading refuses what is no such animation, unknown members included, and a number too great for
+/// a float. Writing refuses a key that its constructors would refuse, as open fields may leave one,
+/// and a layer name that is not UTF-8. Both throw std::invalid_argument, with the place as a JSON
+/// pointer and what is wrong there: "/layers/lamp/2/0: ...".
+
+namespace Kiv {
+
+/// The animation that a text in JSON describes. Throws std::invalid_argument where reading does;
+/// for a text that is not JSON, with line and column; for a number beyond a double's range; and for
+/// an object that has two members of the same name, of which `nlohmann::json::parse` alone would
+/// drop one.
+Animation animation_from_json(std::string_view text);
+
+/// \cond
+namespace json_file {
+
+constexpr std::string_view effects[] = {"Transition", "Hold", "NoValue", "Wait"};
+
+/// A place in a file: the whole, or a member or an element of what lies around it.
+struct Place {
+    Place() = default;
+    Place(const Place& around, const std::string& name) : around(&around), name(&name) {}
+    Place(const Place& around, std::size_t index) : around(&around), index(index) {}
+
+    nlohmann::json::json_pointer pointer() const {
+        if (around == nullptr)
+            return nlohmann::json::json_pointer();
+        return name != nullptr ? around->pointer() / *name : around->pointer() / index;
+    }
+
+    const Place* around = nullptr;
+    const std::string* name = nullptr;
+    std::size_t index = 0;
+};
+
+[[noreturn]] inline void refuse(const Place& place, std::string_view what) {
+    std::string text = place.pointer().to_string();
+    if (!text.empty())
+        text += ": ";
+    throw std::invalid_argument(text.append(what));
+}
+
+/// A value as it is told to people, if it is short.
+template <class Json>
+std::string shown(const Json& value) {
+    if (value.is_structured())
+        return value.type_name();
+    const std::string text = value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    return text.size() <= 60 ? text : value.type_name();
+}
+
+template <class Json>
+[[noreturn]] void refuse(const Place& place, std::string_view needs, const Json& value) {
+    refuse(place, std::string("needs ").append(needs).append(", not ").append(shown(value)));
+}
+
+/// The key of these parts, which its constructors may refuse.
+inline AnimationKey key_of(const Place& place, AnimationKeyCommandEffect effect,
+                           const std::vector<float>& args, unsigned int duration) {
+    try {
+        return {AnimationKeyCommand(effect, args), duration};
+    } catch (const std::invalid_argument& error) {
+        refuse(place, error.what());
+    }
+}
+
+/// Whether the value is this text.
+template <class Json>
+bool is(const Json& value, std::string_view text) {
+    const auto* given = value.template get_ptr<const typename Json::string_t*>();
+    return given != nullptr && *given == text;
+}
+
+template <class Json>
+float float_of(const Place& place, const Json& value) {
+    if (value.is_number()) {
+        const auto number = static_cast<float>(value.template get<double>());
+        if (std::isfinite(number))
+            return number;
+    }
+    if (is(value, "nan"))
+        return std::numeric_limits<float>::quiet_NaN();
+    if (is(value, "inf"))
+        return std::numeric_limits<float>::infinity();
+    if (is(value, "-inf"))
+        return -std::numeric_limits<float>::infinity();
+    refuse(place, R"(a number within the floats' range, "nan", "inf" or "-inf")", value);
+}
+
+/// A whole number within the range of `Whole`, which has up to 32 bits.
+template <class Whole, class Json>
+Whole whole_of(const Place& place, const Json& value, std::string_view needs) {
+    using Limits = std::numeric_limits<Whole>;
+    const double number = value.is_number() ? value.template get<double>() : 0.5;
+    if (number < Limits::min() || number > Limits::max() || std::floor(number) != number)
+        refuse(place,
+               std::string(needs) + " from " + std::to_string(Limits::min()) + " to " +
+                   std::to_string(Limits::max()),
+               value);
+    return static_cast<Whole>(number);
+}
+
+template <class Json>
+AnimationKeyCommandEffect effect_of(const Place& place, const Json& value) {
+    for (std::size_t i = 0; i < std::size(effects); ++i)
+        if (is(value, effects[i]))
+            return static_cast<AnimationKeyCommandEffect>(i);
+    constexpr auto needs = "Transition, Hold, NoValue, Wait or a number";
+    return static_cast<AnimationKeyCommandEffect>(whole_of<std::int32_t>(place, value, needs));
+}
+
+template <class Json>
+AnimationKey key_of(const Place& place, const Json& key) {
+    if (!key.is_array() || key.size() != 3)
+        refuse(place, "needs an effect, its arguments and a number of frames, [\"Hold\", [1], 5]");
+    const AnimationKeyCommandEffect effect = effect_of({place, 0}, key[0]);
+    const Place argsPlace(place, 1);
+    if (!key[1].is_array())
+        refuse(argsPlace, "an array of arguments", key[1]);
+    std::vector<float> args;
+    for (const Json& value : key[1])
+        args.push_back(float_of({argsPlace, args.size()}, value));
+    const auto frames = whole_of<std::uint32_t>({place, 2}, key[2], "a number of frames");
+    return key_of(place, effect, args, frames);
+}
+
+template <class Json>
+LayerMap layers_of(const Place& place, const Json& file) {
+    if (!file.is_object())
+        refuse(place, "an object of layers", file);
+    LayerMap layers;
+    for (const auto& [name, keys] : file.items()) {
+        const Place layerPlace(place, name);
+        if (!keys.is_array())
+            refuse(layerPlace, "an array of keys", keys);
+        KeyVector& layer = layers[name];
+        layer.reserve(keys.size());
+        for (const Json& key : keys)
+            layer.push_back(key_of({layerPlace, layer.size()}, key));
+    }
+    return layers;
+}
+
+template <class Json>
+Animation animation_of(const Json& file) {
+    const Place whole;
+    if (!file.is_object())
+        refuse(whole, "an object with layers", file);
+    if (!file.contains("layers"))
+        refuse(whole, "needs a member \"layers\"");
+    Animation result(25.0F);
+    for (const auto& [name, value] : file.items()) {
+        const Place place(whole, name);
+        if (name == "layers")
+            result.layers = layers_of(place, value);
+        else if (name == "fps")
+            result.fps = float_of(place, value);
+        else if (name == "introSize")
+            result.introSize = whole_of<std::uint32_t>(place, value, "a number of frames");
+        else if (name == "outroSize")
+            result.outroSize = whole_of<std::uint32_t>(place, value, "a number of frames");
+        else
+            refuse(place, "no such member: these are fps, introSize, outroSize and layers");
+    }
+    return result;
+}
+
+/// The number with the fewest digits that is nearest to `value`, of all floats.
+inline double shortest(float value) {
+    char text[40];
+    double number = value;
+#ifdef __cpp_lib_to_chars
+    const auto end =
+        std::to_chars(text, text + sizeof text, value, std::chars_format::scientific).ptr;
+    std::from_chars(text, end, number);
+#else
+    for (int digits = 1; digits < 10; ++digits) {
+        std::snprintf(text, sizeof text, "%.*g", digits, static_cast<double>(value));
+        if (std::strtof(text, nullptr) == value)
+            break;
+    }
+    number = std::strtod(text, nullptr);
+#endif
+    return static_cast<float>(number) == value ? number : value; // halfway to another one
+}
+
+template <class Json>
+Json json_of(float value) {
+    if (std::isnan(value))
+        return "nan";
+    if (std::isinf(value))
+        return value < 0 ? "-inf" : "inf";
+    const double number = shortest(value);
+    const bool whole = std::abs(number) < 1e15 && std::floor(number) == number;
+    if (whole && !(value == 0 && std::signbit(value)))
+        return static_cast<std::int64_t>(number);
+    return number;
+}
+
+template <class Json>
+Json json_of(const Place& place, const AnimationKey& key) {
+    const auto& [effect, args] = key.command;
+    key_of(place, effect, args, key.duration);
+    const auto index = static_cast<std::uint32_t>(effect);
+    Json file = Json::array();
+    file.push_back(index < std::size(effects) ? Json(effects[index]) : Json(std::int32_t{effect}));
+    file.push_back(Json::array());
+    for (const float value : args)
+        file[1].push_back(json_of<Json>(value));
+    file.push_back(key.duration);
+    return file;
+}
+
+template <class Json>
+void check_name(const Place& place, const std::string& name) {
+    try {
+        static_cast<void>(Json(name).dump());
+    } catch (const typename Json::type_error&) {
+        const auto replace = Json::error_handler_t::replace;
+        refuse(place, "needs names in UTF-8, not " + Json(name).dump(-1, ' ', true, replace));
+    }
+}
+
+template <class Json>
+Json json_of(const Place& place, const LayerMap& layers) {
+    Json file = Json::object();
+    for (const auto& [name, keys] : layers) {
+        check_name<Json>(place, name);
+        const Place layerPlace(place, name);
+        Json& layer = file[name] = Json::array();
+        for (const AnimationKey& key : keys)
+            layer.push_back(json_of<Json>({layerPlace, layer.size()}, key));
+    }
+    return file;
+}
+
+/// Refuses an object with two members of the same name, while it is parsed: afterwards only the
+/// last one would be there.
+class Names {
+public:
+    bool operator()(int depth, nlohmann::json::parse_event_t event, const nlohmann::json& value) {
+        const auto level = static_cast<std::size_t>(depth);
+        if (event == nlohmann::json::parse_event_t::object_start && level < std::size(members))
+            members[level].clear();
+        if (event != nlohmann::json::parse_event_t::key || level > std::size(members))
+            return true;
+        const auto& name = value.get_ref<const std::string&>();
+        const Place whole;
+        const Place place(whole, member);
+        if (!members[level - 1].insert(name).second)
+            refuse(level == 1 ? Place(whole, name) : Place(place, name), "is there twice");
+        if (level == 1)
+            member = name;
+        return true;
+    }
+
+private:
+    std::set<std::string> members[2]; ///< Of the whole, and of the object in it that is read.
+    std::string member;               ///< The one of the whole that is read.
+};
+
+} // namespace json_file
+/// \endcond
+
+inline Animation animation_from_json(std::string_view text) {
+    try {
+        return json_file::animation_of(nlohmann::json::parse(text, json_file::Names()));
+    } catch (const nlohmann::json::exception& error) {
+        const std::string_view what = error.what(); // "[json.exception...] parse error at line ..."
+        throw std::invalid_argument(std::string(what.substr(what.find(']') + 2, 200)));
+    }
+}
+
+} // namespace Kiv
+
+/// \cond
+/// Writes animations, a `Rotation` as the animation that it is; reads animations.
+template <class Type>
+struct nlohmann::adl_serializer<Type, std::enable_if_t<std::is_base_of_v<Kiv::Animation, Type>>> {
+    template <class Json>
+    static void to_json(Json& file, const Kiv::Animation& animation) {
+        const Kiv::json_file::Place whole;
+        const std::string layers = "layers";
+        file = {{"fps", Kiv::json_file::json_of<Json>(animation.fps)},
+                {"introSize", animation.introSize},
+                {"outroSize", animation.outroSize},
+                {layers, Kiv::json_file::json_of<Json>({whole, layers}, animation.layers)}};
+    }
+    template <class Json>
+    static Kiv::Animation from_json(const Json& file) {
+        return Kiv::json_file::animation_of(file);
+    }
+    template <class Json>
+    static void from_json(const Json& file, Kiv::Animation& animation) {
+        animation = Kiv::json_file::animation_of(file);
+    }
+};
+/// \endcond

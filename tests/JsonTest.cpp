@@ -1,0 +1,126 @@
+#include "Text.h"
+
+#include <animationmodel/Rotation.h>
+#include <animationmodel/json.h>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+
+using namespace Kiv;
+using nlohmann::json;
+
+TEST(JsonTest, WritesWhatPeopleWouldWrite) {
+    Animation show = animation("lamp: T0,1:10 H0.1:20 W:5; motor: E7:2; none:  | 10 9");
+    const std::string text =
+        R"({"fps":25,"introSize":10,"layers":{"lamp":[["Transition",[0,1],10],["Hold",[0.1],20],)"
+        R"(["Wait",[],5]],"motor":[[7,[],2]],"none":[]},"outroSize":9})";
+    EXPECT_EQ(json(show).dump(), text);
+    EXPECT_EQ(animation_from_json(text), show);
+    const Rotation rotation(1, 0, 3, 2, 4);
+    EXPECT_EQ(json(rotation).get<Animation>(), static_cast<const Animation&>(rotation));
+}
+
+TEST(JsonTest, ReadsWhatIsLeftOut) {
+    Animation::defaultFps = 0;
+    const Animation show = json::parse(R"({"layers": {"a": [[1, [-0.5], 1e1]]}})").get<Animation>();
+    Animation::defaultFps = 25;
+    EXPECT_EQ(show, animation("a: H-0.5:10"));
+}
+
+/// As edits may leave them, with any floats.
+TEST(JsonTest, ReadsBackTheSameBits) {
+    std::mt19937 generator;
+    std::uniform_int_distribution<std::uint32_t> distribution;
+    const auto random = [&] { return distribution(generator); };
+    const auto any_float = [&] {
+        const std::uint32_t bits = random() % 16 == 0 ? random() << 23 : random(); // powers of two
+        float value = 0;
+        std::memcpy(&value, &bits, sizeof value);
+        return std::isnan(value) ? std::numeric_limits<float>::quiet_NaN() : value;
+    };
+    for (int i = 0; i < 10000; ++i) {
+        Animation show(25);
+        show.fps = any_float();
+        show.introSize = random();
+        show.layers["a/~\"\n\u00e9"] = {{{Transition, {any_float(), any_float()}}, UINT_MAX}};
+        show.layers[""] = {{{Hold, {any_float()}}, 1}, {Wait, 2}};
+        const std::string text = json(show).dump();
+        const Animation back = animation_from_json(text);
+        EXPECT_EQ(json(back).dump(), text);
+        EXPECT_EQ(std::memcmp(&back.fps, &show.fps, sizeof show.fps), 0) << text;
+        for (const auto& [name, keys] : show.layers) {
+            const std::size_t size = keys.size() * sizeof keys[0];
+            EXPECT_EQ(std::memcmp(back.layers.at(name).data(), keys.data(), size), 0) << text;
+        }
+    }
+}
+
+TEST(JsonTest, RefusesWhatIsNoAnimation) {
+    const std::string whole = "needs a number of frames from 0 to 4294967295, not ";
+    const std::string number =
+        R"(needs a number within the floats' range, "nan", "inf" or "-inf", )";
+    const struct {
+        std::string text, expected;
+    } rows[] = {
+        {"[]", "needs an object with layers, not array"},
+        {"{}", "needs a member \"layers\""},
+        {R"({"layer": {}, "layers": {}})",
+         "/layer: no such member: these are fps, introSize, outroSize and layers"},
+        {R"({"layers": []})", "/layers: needs an object of layers, not array"},
+        {R"({"layers": {}, "introSize": -1})", "/introSize: " + whole + "-1"},
+        {R"({"layers": {}, "outroSize": 4294967296})", "/outroSize: " + whole + "4294967296"},
+        {R"({"layers": {}, "introSize": true})", "/introSize: " + whole + "true"},
+        {R"({"layers": {}, "introSize": 1.5})", "/introSize: " + whole + "1.5"},
+        {R"({"layers": {}, "fps": null})", "/fps: " + number + "not null"},
+        {R"({"layers": {"a/b": 1}})", "/layers/a~1b: needs an array of keys, not 1"},
+        {R"({"layers": {"a": [["Wait", [], 1], ["Wait", []]]}})",
+         "/layers/a/1: needs an effect, its arguments and a number of frames, [\"Hold\", [1], 5]"},
+        {R"({"layers": {"a": [["hold", [1], 1]]}})",
+         "/layers/a/0/0: needs Transition, Hold, NoValue, Wait or a number from -2147483648 to "
+         "2147483647, not \"hold\""},
+        {R"({"layers": {"a": [["Hold", 1, 1]]}})",
+         "/layers/a/0/1: needs an array of arguments, not 1"},
+        {R"({"layers": {"a": [["Transition", [0, 1e39], 1]]}})",
+         "/layers/a/0/1/1: " + number + "not 1e+39"},
+        {R"({"layers": {"a": [["Hold", ["NaN"], 1]]}})",
+         "/layers/a/0/1/0: " + number + "not \"NaN\""},
+        {R"({"layers": {"a": [["Hold", [1], [2]]]}})", "/layers/a/0/2: " + whole + "array"},
+        {R"({"layers": {"a": [["Wait", [], 0]]}})",
+         "/layers/a/0: Duration of AnimationKeyCommand must be > 0"},
+        {R"({"layers": {"a": [["Wait", [1], 1]]}})",
+         "/layers/a/0: Could not set attributes of AnimationKeyCommand: the number of arguments "
+         "does not correspond to the command (1 arguments given but 0 expected for command 3)"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(refusal([&] { static_cast<void>(json::parse(row.text).get<Animation>()); }),
+                  row.expected);
+        EXPECT_EQ(refusal([&] { animation_from_json(row.text); }), row.expected);
+    }
+}
+
+TEST(JsonTest, RefusesTextsThatCannotBeRead) {
+    const std::string deep(1000000, '[');
+    const struct {
+        std::string text, expected;
+    } rows[] = {
+        {"{\"layers\":\n {,", "parse error at line 2, column 3: syntax error while parsing object "
+                              "key - unexpected ','; expected string literal"},
+        {R"({"layers": {"a": [["Hold", [1e999], 1]]}})", "number overflow parsing '1e999'"},
+        {R"({"layers": {}, "fps": 1, "fps": 2})", "/fps: is there twice"},
+        {R"({"layers": {"a": [], "fps": [], "a": []}})", "/layers/a: is there twice"},
+        {deep + std::string(deep.size(), ']'), "needs an object with layers, not array"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(refusal([&] { animation_from_json(row.text); }), row.expected);
+}
+
+TEST(JsonTest, RefusesToWriteWhatCouldNotBeRead) {
+    Animation show = animation("a: H1:1 H1:1");
+    show.layers["a"][1].duration = 0;
+    EXPECT_EQ(refusal([&] { json file = show; }),
+              "/layers/a/1: Duration of AnimationKeyCommand must be > 0");
+    show.layers = {{"\xff", {}}};
+    EXPECT_EQ(refusal([&] { json file = show; }), R"(/layers: needs names in UTF-8, not "\ufffd")");
+}
