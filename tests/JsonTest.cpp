@@ -22,6 +22,26 @@ TEST(JsonTest, WritesWhatPeopleWouldWrite) {
     EXPECT_EQ(json(rotation).get<Animation>(), static_cast<const Animation&>(rotation));
 }
 
+TEST(JsonTest, WritesEachKeyInALine) {
+    Animation show = animation("lamp: T-0,3e38:10 W:5; none:  | 10 9");
+    show.fps = NAN;
+    const std::string text = R"({
+  "fps": "nan",
+  "introSize": 10,
+  "outroSize": 9,
+  "layers": {
+    "lamp": [
+      ["Transition", [-0.0, 3e+38], 10],
+      ["Wait", [], 5]
+    ],
+    "none": []
+  }
+}
+)";
+    EXPECT_EQ(animation_to_json(show), text);
+    EXPECT_EQ(animation_to_json(animation_from_json(text)), text);
+}
+
 TEST(JsonTest, ReadsWhatIsLeftOut) {
     Animation::defaultFps = 0;
     const Animation show = json::parse(R"({"layers": {"a": [[1, [-0.5], 1e1]]}})").get<Animation>();

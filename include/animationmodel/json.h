@@ -7,10 +7,12 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
+#include <iomanip>
+#include <iterator>
 #include <limits>
+#include <locale>
 #include <set>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -35,10 +37,9 @@
 /// An animation is written and read exactly as it is, neither filled nor checked: layers may differ
 /// in length, and sizes and frame rate may be such that a copy would be refused. What is written is
 /// read back equal, every float with the same bits. Only a NaN may get other bits: it is written as
-/// "nan", and infinities as "inf" and "-inf". Any other float becomes the number with the fewest
-/// digits that reads back as this float: 0.1, not 0.10000000149011612. (`dump` prints one in some
-/// thousand of those numbers with more digits than it has; it reads back all the same.) A number
-/// that is read is rounded to the nearest float.
+/// "nan", and infinities as "inf" and "-inf". Any other float is written as the shortest text that
+/// reads back as this float: 0.1, not 0.10000000149011612. A number that is read is rounded to the
+/// nearest float.
 ///
 /// Reading refuses what is no such animation, unknown members included, and a number too great for
 /// a float. Writing refuses a key that its constructors would refuse, as open fields may leave one,
@@ -52,6 +53,11 @@ namespace Kiv {
 /// an object that has two members of the same name, of which `nlohmann::json::parse` alone would
 /// drop one.
 Animation animation_from_json(std::string_view text);
+
+/// The animation as a text in JSON, each key in a line of its own. What `dump` prints is the same,
+/// but in one line, and one float in some thousand has more digits than it needs. Throws
+/// std::invalid_argument where writing does.
+std::string animation_to_json(const Animation& animation);
 
 /// \cond
 namespace json_file {
@@ -207,73 +213,59 @@ Animation animation_of(const Json& file) {
     return result;
 }
 
-/// The number with the fewest digits that is nearest to `value`, of all floats.
-inline double shortest(float value) {
-    char text[40];
-    double number = value;
+/// The shortest number that, read as a double, gives `value` as the nearest float.
+inline std::string shortest(float value) {
 #ifdef __cpp_lib_to_chars
-    const auto end =
-        std::to_chars(text, text + sizeof text, value, std::chars_format::scientific).ptr;
+    char text[40];
+    double number = 0;
+    auto* end = std::to_chars(text, std::end(text), value).ptr;
     std::from_chars(text, end, number);
+    if (static_cast<float>(number) != value) // the double is halfway to another float
+        end = std::to_chars(text, std::end(text), double{value}).ptr;
+    return {text, end};
 #else
-    for (int digits = 1; digits < 10; ++digits) {
-        std::snprintf(text, sizeof text, "%.*g", digits, static_cast<double>(value));
-        if (std::strtof(text, nullptr) == value)
-            break;
+    for (int digits = 1;; ++digits) {
+        std::stringstream text;
+        text.imbue(std::locale::classic());
+        double number = 0;
+        text << std::setprecision(digits) << value;
+        const std::string shown = text.str();
+        text >> number;
+        if (static_cast<float>(number) == value || digits == 17)
+            return shown;
     }
-    number = std::strtod(text, nullptr);
 #endif
-    return static_cast<float>(number) == value ? number : value; // halfway to another one
 }
 
-template <class Json>
-Json json_of(float value) {
+inline std::string text_of(float value) {
     if (std::isnan(value))
-        return "nan";
+        return "\"nan\"";
     if (std::isinf(value))
-        return value < 0 ? "-inf" : "inf";
-    const double number = shortest(value);
-    const bool whole = std::abs(number) < 1e15 && std::floor(number) == number;
-    if (whole && !(value == 0 && std::signbit(value)))
-        return static_cast<std::int64_t>(number);
-    return number;
+        return value < 0 ? "\"-inf\"" : "\"inf\"";
+    return value == 0 && std::signbit(value) ? "-0.0" : shortest(value); // -0 would be an integer
 }
 
-template <class Json>
-Json json_of(const Place& place, const AnimationKey& key) {
-    const auto& [effect, args] = key.command;
-    key_of(place, effect, args, key.duration);
-    const auto index = static_cast<std::uint32_t>(effect);
-    Json file = Json::array();
-    file.push_back(index < std::size(effects) ? Json(effects[index]) : Json(std::int32_t{effect}));
-    file.push_back(Json::array());
-    for (const float value : args)
-        file[1].push_back(json_of<Json>(value));
-    file.push_back(key.duration);
-    return file;
+/// Appends the text of one key.
+inline void append_key(std::string& text, const AnimationKey& key) {
+    const auto index = static_cast<std::uint32_t>(key.command.effect);
+    if (index < std::size(effects))
+        text.append("[\"").append(effects[index]).append("\", [");
+    else
+        text.append("[").append(std::to_string(std::int32_t{key.command.effect})).append(", [");
+    const char* before = "";
+    for (const float value : key.command.args)
+        text.append(std::exchange(before, ", ")).append(text_of(value));
+    text.append("], ").append(std::to_string(key.duration)).append("]");
 }
 
-template <class Json>
-void check_name(const Place& place, const std::string& name) {
+inline std::string text_of_name(const Place& place, const std::string& name) {
+    using nlohmann::json;
     try {
-        static_cast<void>(Json(name).dump());
-    } catch (const typename Json::type_error&) {
-        const auto replace = Json::error_handler_t::replace;
-        refuse(place, "needs names in UTF-8, not " + Json(name).dump(-1, ' ', true, replace));
+        return json(name).dump();
+    } catch (const json::type_error&) {
+        const std::string similar = json(name).dump(-1, ' ', true, json::error_handler_t::replace);
+        refuse(place, "needs names in UTF-8, not " + similar);
     }
-}
-
-template <class Json>
-Json json_of(const Place& place, const LayerMap& layers) {
-    Json file = Json::object();
-    for (const auto& [name, keys] : layers) {
-        check_name<Json>(place, name);
-        const Place layerPlace(place, name);
-        Json& layer = file[name] = Json::array();
-        for (const AnimationKey& key : keys)
-            layer.push_back(json_of<Json>({layerPlace, layer.size()}, key));
-    }
-    return file;
 }
 
 /// Refuses an object with two members of the same name, while it is parsed: afterwards only the
@@ -313,6 +305,31 @@ inline Animation animation_from_json(std::string_view text) {
     }
 }
 
+inline std::string animation_to_json(const Animation& animation) {
+    using namespace json_file;
+    const Place whole;
+    const std::string member = "layers";
+    const Place layersPlace(whole, member);
+    std::string text = "{\n  \"fps\": " + text_of(animation.fps) +
+                       ",\n  \"introSize\": " + std::to_string(animation.introSize) +
+                       ",\n  \"outroSize\": " + std::to_string(animation.outroSize) +
+                       ",\n  \"layers\": {";
+    const char* beforeLayer = "\n    ";
+    for (const auto& [name, keys] : animation.layers) {
+        text += std::exchange(beforeLayer, ",\n    ") + text_of_name(layersPlace, name) + ": [";
+        const Place layerPlace(layersPlace, name);
+        std::size_t index = 0;
+        for (const AnimationKey& key : keys) {
+            const auto& [effect, args] = key.command;
+            key_of({layerPlace, index}, effect, args, key.duration);
+            text += index++ == 0 ? "\n      " : ",\n      ";
+            append_key(text, key);
+        }
+        text += keys.empty() ? "]" : "\n    ]";
+    }
+    return text + (animation.layers.empty() ? "}\n}\n" : "\n  }\n}\n");
+}
+
 } // namespace Kiv
 
 /// \cond
@@ -321,12 +338,7 @@ template <class Type>
 struct nlohmann::adl_serializer<Type, std::enable_if_t<std::is_base_of_v<Kiv::Animation, Type>>> {
     template <class Json>
     static void to_json(Json& file, const Kiv::Animation& animation) {
-        const Kiv::json_file::Place whole;
-        const std::string layers = "layers";
-        file = {{"fps", Kiv::json_file::json_of<Json>(animation.fps)},
-                {"introSize", animation.introSize},
-                {"outroSize", animation.outroSize},
-                {layers, Kiv::json_file::json_of<Json>({whole, layers}, animation.layers)}};
+        file = Json::parse(Kiv::animation_to_json(animation));
     }
     template <class Json>
     static Kiv::Animation from_json(const Json& file) {
