@@ -38,9 +38,14 @@ public:
     std::optional<float> value() const {
         if (ended() || key().command.effect > Kiv::Hold || key().command.args.empty())
             return std::nullopt;
-        if (key().command.effect == Kiv::Hold)
-            return key().command.args[0];
-        return key().splitAt(at - begin).back().command.args[0];
+        const Kiv::AnimationKeyArgs& args = key().command.args;
+        if (key().command.effect == Kiv::Hold || args.size() != 2 || at == begin)
+            return args[0];
+        // The same steps as in a cut, for the same bits, but without the two keys of one.
+        const float way = args[1] - args[0];
+        const float scaled = static_cast<float>(at - begin) * way;
+        const float passed = scaled / static_cast<float>(key().duration);
+        return passed + args[0];
     }
 
     /// The next frame on which the value may be another one, if there is one.
