@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -268,6 +269,15 @@ inline std::string text_of_name(const Place& place, const std::string& name) {
     }
 }
 
+/// As much of a text as people read, cut between two characters.
+inline std::string begin_of(std::string_view text) {
+    std::size_t size = std::min<std::size_t>(text.size(), 200);
+    while (size < text.size() && size > 0 &&
+           (static_cast<unsigned char>(text[size]) & 0xc0) == 0x80)
+        --size;
+    return std::string(text.substr(0, size));
+}
+
 /// Refuses an object with two members of the same name, while it is parsed: afterwards only the
 /// last one would be there.
 class Names {
@@ -301,7 +311,7 @@ inline Animation animation_from_json(std::string_view text) {
         return json_file::animation_of(nlohmann::json::parse(text, json_file::Names()));
     } catch (const nlohmann::json::exception& error) {
         const std::string_view what = error.what(); // "[json.exception...] parse error at line ..."
-        throw std::invalid_argument(std::string(what.substr(what.find(']') + 2, 200)));
+        throw std::invalid_argument(json_file::begin_of(what.substr(what.find(']') + 2)));
     }
 }
 
