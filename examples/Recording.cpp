@@ -91,6 +91,26 @@ struct Reader {
     unsigned int sent = 0; ///< When the last values were.
 };
 
+/// Reads a recording and calls `visit` with the number of bytes read, line by line. Errors name it
+/// `name`.
+template <class Visit>
+Animation read_lines(std::istream& in, const std::string& name, const Visit& visit) {
+    Reader reader;
+    double done = 0;
+    for (std::string line; std::getline(in, line);) {
+        visit(done += static_cast<double>(line.size() + 1));
+        try {
+            reader.read(line);
+        } catch (const std::runtime_error& error) {
+            throw std::runtime_error(name + ":" + std::to_string(reader.lines) + ": " +
+                                     error.what());
+        }
+    }
+    if (reader.lines == 0 || in.bad())
+        throw std::runtime_error(name + ":1: cannot be read, or is empty");
+    return reader.finish();
+}
+
 } // namespace
 
 Animation read_recording(const std::string& path) {
@@ -98,20 +118,11 @@ Animation read_recording(const std::string& path) {
     std::error_code unknown; // where it is no regular file
     const auto size = static_cast<double>(std::filesystem::file_size(path, unknown));
     Progress progress{"reading " + path};
-    Reader reader;
-    double done = 0;
-    for (std::string line; std::getline(file, line);) {
-        progress.at(done += static_cast<double>(line.size() + 1), size);
-        try {
-            reader.read(line);
-        } catch (const std::runtime_error& error) {
-            throw std::runtime_error(path + ":" + std::to_string(reader.lines) + ": " +
-                                     error.what());
-        }
-    }
-    if (reader.lines == 0 || file.bad())
-        throw std::runtime_error(path + ":1: cannot be read, or is empty");
-    return reader.finish();
+    return read_lines(file, path, [&](double done) { progress.at(done, size); });
+}
+
+Animation read_recording(std::istream& in, const std::string& name) {
+    return read_lines(in, name, [](double) {});
 }
 
 void write_recording(std::ostream& out, const Animation& show) {

@@ -2,6 +2,7 @@
 
 #include <animationmodel/Animation.h>
 
+#include <istream>
 #include <ostream>
 #include <string>
 
@@ -23,6 +24,8 @@ constexpr unsigned int mostFrames = (1U << 31) - 1;
 /// The recording in a file. A last line of values without milliseconds lasts for one.
 /// Throws std::runtime_error that names file and line if it is not a recording.
 Kiv::Animation read_recording(const std::string& path);
+/// The same from a stream, which errors call `name`.
+Kiv::Animation read_recording(std::istream& in, const std::string& name);
 
 /// Writes what the channels show on every frame, a line whenever a universe changes. Layers are
 /// called by `channel_name`. A channel without a value is not sent, except as 0 where a later
