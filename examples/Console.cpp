@@ -15,17 +15,21 @@ std::string channel_name(unsigned int universe, unsigned int channel) {
     return digits.append(".").append(std::to_string(1000 + channel).substr(1));
 }
 
+std::pair<unsigned int, unsigned int> channel_of(const std::string& layer) {
+    const std::string_view name = std::string_view(layer).substr(layer.starts_with(':') ? 1 : 0);
+    const std::size_t point = std::min(name.find('.'), name.size());
+    const auto universe = parse<unsigned int>(name.substr(0, point));
+    const auto channel = parse<unsigned int>(name.substr(std::min(point + 1, name.size())));
+    if (!universe || !channel || *channel < 1 || *channel > 512)
+        throw std::runtime_error("a layer is called UNIVERSE.CHANNEL, such as 1.5, not \"" + layer +
+                                 "\"");
+    return {*universe, *channel};
+}
+
 Console::Console(const LayerMap& layers) : player(layers) {
     for (const Track& track : player) {
-        std::string_view name = track.name();
-        name.remove_prefix(name.starts_with(':') ? 1 : 0);
-        const std::size_t point = std::min(name.find('.'), name.size() - 1);
-        const auto universe = parse<unsigned int>(name.substr(0, point));
-        const auto channel = parse<unsigned int>(name.substr(point + 1));
-        if (!universe || channel.value_or(0) < 1 || channel.value_or(0) > 512)
-            throw std::runtime_error("a layer is called UNIVERSE.CHANNEL, such as 1.5, not \"" +
-                                     track.name() + "\"");
-        places.emplace_back(*universe, *channel - 1);
+        const auto [universe, channel] = channel_of(track.name());
+        places.emplace_back(universe, channel - 1);
     }
 }
 

@@ -4,14 +4,19 @@
 
 #include <cstdint>
 #include <map>
+#include <string>
 #include <utility>
 #include <vector>
 
 // A show for lights on DMX universes: an animation with a layer for each channel, called after the
 // universe and the channel, and values from 0 to 255.
 
-/// The layer of a channel. Names sort as the numbers do.
+/// The layer of a channel, such as "0001.005". Names sort as the numbers do.
 std::string channel_name(unsigned int universe, unsigned int channel);
+
+/// The universe and the channel, from 1 to 512, that a layer is called after. Zeros before the
+/// numbers may be left out: "1.5". Throws std::runtime_error, naming it, if it is called otherwise.
+std::pair<unsigned int, unsigned int> channel_of(const std::string& layer);
 
 /// The values of each universe, from channel 1 to the last one that has a value.
 using Universes = std::map<unsigned int, std::vector<std::uint8_t>>;

@@ -1,9 +1,10 @@
-// Edits recorded light shows: reads one, applies the edits in the order given, writes or plays it.
+// Edits light shows: reads one, applies the edits in the order given, writes or plays it.
 
 #include "Console.h"
 #include "Picture.h"
 #include "Program.h"
 #include "Recording.h"
+#include "Show.h"
 #include "Terminal.h"
 #include "Timeline.h"
 #include "number.h"
@@ -69,9 +70,9 @@ void rotation(Animation& show, Number<0, 255> pulse, Number<0, 255> rest, Durati
         show.layers[channel_name(1, ++channel)] = layer;
 }
 
-/// Where the recording laid over it sends nothing, the show goes on: keys end there.
+/// Where the show laid over it sends nothing, the show goes on: keys end there.
 void override_with(Animation& show, const File& file, Time at) {
-    Animation other = read_recording(file);
+    Animation other = read_show(file);
     const unsigned int duration = show.durationInFrames();
     for (auto& [name, layer] : other.layers) {
         show.fillInLayer(name, duration);
@@ -88,24 +89,12 @@ void override_with(Animation& show, const File& file, Time at) {
     show.overrideLayersWith(other, at);
 }
 
-/// Moves the ends of the keys apart or together; a key that then lasts no millisecond is gone.
+/// Plays faster or slower.
 void last(Animation& show, Time frames) {
     const std::uint64_t before = std::max(1U, show.durationInFrames());
-    const auto moved = [=](std::uint64_t frame) {
+    move_ends(show, [=](std::uint64_t frame) {
         return static_cast<unsigned int>(frame * frames / before);
-    };
-    for (auto& [name, layer] : show.layers) {
-        for_each_key(layer, [&](AnimationKey& key, unsigned int begin) {
-            key.duration = moved(std::uint64_t{begin} + key.duration) - moved(begin);
-        });
-        std::erase_if(layer, [](const AnimationKey& key) { return key.duration == 0; });
-    }
-    show.introSize = moved(show.introSize);
-    show.outroSize = moved(show.outroSize);
-}
-
-void write_show(const Animation& show, const File& file) {
-    write_file(file, [&](std::ostream& out) { write_recording(out, show); });
+    });
 }
 
 void split(const Animation& show, Duration step, const std::string& prefix) {
@@ -172,8 +161,8 @@ int main(int argc, char** argv) {
         };
         options.push_back({name, words, help, take});
     };
-    add(inputs, "FILE", "", "a recording of ola_recorder",
-        [](Animation& show, const File& file) { show = read_recording(file); });
+    add(inputs, "FILE", "", "a recording of ola_recorder, or an animation as JSON",
+        [](Animation& show, const File& file) { show = read_show(file); });
     add(inputs, "--rotation", "PULSE REST RISE FALL STEP",
         "instead: the preset on channels 1 to 8 of universe 1", rotation);
     add(edits, "--keep", "FROM TO", "keeps what lies between", [](Animation& show, Range range) {
@@ -182,11 +171,11 @@ int main(int argc, char** argv) {
     });
     add(edits, "--remove", "FROM TO", "removes what lies between",
         [](Animation& show, Range range) { show.remove(range.begin, range.end - range.begin); });
-    add(edits, "--insert", "FILE AT", "inserts a recording",
-        [](Animation& show, const File& file, Time at) { show.insert(read_recording(file), at); });
-    add(edits, "--append", "FILE", "appends a recording",
-        [](Animation& show, const File& file) { show.pushBack(read_recording(file), true, true); });
-    add(edits, "--override", "FILE AT", "lays a recording over", override_with);
+    add(edits, "--insert", "FILE AT", "inserts a show",
+        [](Animation& show, const File& file, Time at) { show.insert(read_show(file), at); });
+    add(edits, "--append", "FILE", "appends a show",
+        [](Animation& show, const File& file) { show.pushBack(read_show(file), true, true); });
+    add(edits, "--override", "FILE AT", "lays a show over", override_with);
     add(edits, "--intro", "T", "the first T do not loop",
         [](Animation& show, Time size) { show.introSize = size; });
     add(edits, "--outro", "T", "the last T do not loop",
@@ -194,7 +183,8 @@ int main(int argc, char** argv) {
     add(edits, "--loop", "N", "plays N times what lies between intro and outro",
         [](Animation& show, Number<0, mostFrames> n) { show = show.loop(n, false, false); });
     add(edits, "--last", "T", "plays faster or slower, to last T", last);
-    add(outputs, "--write", "FILE", "writes a recording", write_show);
+    add(outputs, "--write", "FILE", "writes a recording, or JSON if FILE ends in .json",
+        write_show);
     add(outputs, "--split", "T PREFIX", "writes PREFIX1, PREFIX2 ... of T each", split);
     add(outputs, "--svg", "FILE", "draws a picture that plays", draw);
     options.push_back({"--play", "", "plays by the olad of this machine", [&](const Words&) {
@@ -202,8 +192,8 @@ int main(int argc, char** argv) {
                        }});
     options.push_back({"--rate", "N", "frames a second to play, 1 to 1000 (40)",
                        [&](const Words& words) { rate = Number<1, 1000>(words[0]); }});
-    const Program program{
-        "lightshow", "Edits recorded light shows. A time is milliseconds, or seconds with an s.",
-        options, [&] { run(inputs, edits, outputs); }};
+    const Program program{"lightshow",
+                          "Edits light shows. A time is milliseconds, or seconds with an s.",
+                          options, [&] { run(inputs, edits, outputs); }};
     return program.run(argc, argv);
 }

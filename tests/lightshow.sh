@@ -50,6 +50,16 @@ makes '1 10,20 40 1 30 20' a --loop 2 --last 0.12s --keep 0 60
 makes '1 0,0,0,0,0,0,0,0 1 1 128,0,0,0,0,0,0,0 1 1 255,128,0,0,0,0,0,0 1' --rotation 255 0 2 2 1 --keep 0 3
 makes '1 255,128,0,0,0,0,0,0 1 1 128,255,128,0,0,0,0,0 1' --rotation 255 0 2 2 1 --keep 2 4
 
+# animations as JSON: ends at the nearest millisecond, a Transition played, parts that stay parts
+printf '{"fps": 300, "introSize": 1, "outroSize": 4, "layers": {"1.2": [["Hold", [7], 1],
+    ["Transition", [0, 255], 2], ["NoValue", [], 1], ["Hold", [300], 1]], "01.001": []}}' >c
+makes '1 0,7 3 1 0,0 1 1 0,36 1 1 0,73 1 1 0,109 1 1 0,146 1 1 0,182 1 1 0,219 1 1  3 1 0,255 4' c
+"$lightshow" c --write c.json
+makes '1 0,7 3 1 0,0 1 1 0,36 1 1 0,73 1 1 0,109 1 1 0,146 1 1 0,182 1 1 0,219 1 1  3 1 0,255 4' c.json
+grep -q '"0001.002": \[$' c.json && grep -q '"introSize": 3' c.json || fail 'writes other JSON'
+"$lightshow" a --write a.json
+makes '1 10,20 100 1 30 50' a.json
+
 "$lightshow" a --append a --split 80 piece --svg a.svg
 for piece in 1=10,20:80 2=10,20:20:30:50:10,20:10 3=10,20:80 4=10,20:10:30:50; do
     got=$(sed 1d "piece${piece%%=*}" | sed 's/^1 //' | tr '\n' ':')
@@ -83,6 +93,12 @@ is_none '2: a universe has no more than 512 values' "OLA Show\n1 $(printf '%0513
 is_none '3: a time in milliseconds cannot be "1 0"' 'OLA Show\n1 0\n1 0\n'
 is_none '3: a time in milliseconds cannot be "2147483647"' 'OLA Show\n1 0\n2147483647\n'
 is_none '3: a time in milliseconds cannot be ""' 'OLA Show\n1 0\n\n'
+is_none ' /layers/1.1/0/0: needs Transition, Hold, NoValue, Wait or a number from -2147483648 to 2147483647, not "hold"' \
+    '{"layers": {"1.1": [["hold", [1], 1]]}}'
+is_none ' a layer is called UNIVERSE.CHANNEL, such as 1.5, not "lamp"' '{"layers": {"lamp": []}}'
+is_none ' a layer is called UNIVERSE.CHANNEL, such as 1.5, not "1.513"' '{"layers": {"1.513": []}}'
+is_none ' the channel of layer "1.1" has another one' '{"layers": {"1.1": [], "1.01": []}}'
+is_none ' at its frame rate the show would be too long' '{"fps": 0, "layers": {"1.1": [["Wait", [], 1]]}}'
 printf 'OLA Show\n1 10,20\n100\n1 300\n' >bad
 refuses 2 'bad:4: a value cannot be "300"' bad
 refuses 2 'bad:4: a value cannot be "300"' a --append bad
