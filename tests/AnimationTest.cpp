@@ -148,13 +148,13 @@ private:
 
 TEST(AnimationTest, PrintsTheSameInEveryLocale) {
     const German german;
-    Animation it = animation("a: W:1000; b: ; c: T0.1,-2e+20:3 H1e-45:2 E4:1 | 1234 5678");
+    Animation it = animation("a: W:1000; b: ; c: T0.1,-2e+20:3 H1e-45:2 N:1 E4:1 | 1234 5678");
     it.fps = 29.97F;
     std::ostringstream out;
     out << it;
     EXPECT_EQ(out.str(),
               "29.97 fps, intro 1234, outro 5678\na: Wait over 1000\nb: no keys\n"
-              "c: Transition (0.1, -2e+20) over 3, Hold (1e-45) over 2, Effect 4 over 1");
+              "c: Transition (0.1, -2e+20) over 3, Hold (1e-45) over 2, NoValue over 1, Effect 4 over 1");
 }
 
 /// Whether a text is cut short, laid out and rounded right.
