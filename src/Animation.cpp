@@ -514,28 +514,28 @@ void Animation::introBodyOutroLayers(LayerMap& intro, LayerMap& body, LayerMap& 
 
 namespace {
 
-/// How the layers of one animation are looped.
+/// How one layer after another is looped.
 struct Looping {
     unsigned int introSize, outroStart, repeats; ///< The body plays once more than `repeats`.
     bool repeatIntro, repeatOutro;
+    KeyVector repeated; ///< What comes back, of the last layer.
 
-    KeyVector looped(const Stretch& layer) const {
+    KeyVector looped(const Stretch& layer) {
         LayerCursor cursor(layer);
         const Stretch intro = cursor.takeFrames(introSize);
         const Stretch rest = cursor.rest;
-        const Stretch body = cursor.takeFrames(outroStart);
-        const Stretch outro = repeatOutro ? cursor.rest : Stretch();
-        const Stretch introAgain = repeatIntro ? intro : Stretch();
-        const std::size_t repeated = body.size() + outro.size() + introAgain.size();
+        repeated.clear();
+        cursor.takeFrames(outroStart).appendTo(repeated);
+        if (repeatOutro)
+            cursor.rest.appendTo(repeated);
+        if (repeatIntro)
+            intro.appendTo(repeated);
 
         KeyVector result;
-        result.reserve(intro.size() + repeats * repeated + rest.size());
+        result.reserve(intro.size() + repeats * repeated.size() + rest.size());
         intro.appendTo(result);
-        for (unsigned int i = 0; i < repeats; ++i) {
-            body.appendTo(result);
-            outro.appendTo(result);
-            introAgain.appendTo(result);
-        }
+        for (unsigned int i = 0; i < repeats; ++i)
+            result.insert(result.end(), repeated.begin(), repeated.end());
         rest.appendTo(result);
         return result;
     }
@@ -565,7 +565,7 @@ Animation Animation::loop(unsigned int count, bool repeatIntro, bool repeatOutro
     Animation result(fps);
     result.introSize = introSize;
     result.outroSize = outroSize;
-    const Looping looping{introSize, outroStart, repeats, repeatIntro, repeatOutro};
+    Looping looping{introSize, outroStart, repeats, repeatIntro, repeatOutro, {}};
     auto total = totals.each.begin();
     for (const auto& [name, keys] : layers)
         layer_in(result.layers, name) = looping.looped(filled(keys, *total++, duration));

@@ -123,7 +123,7 @@ TEST(ProgramTest, MemoryIsTakenForLayersAndNotForKeys) {
 
         // An entry and its keys for each layer, and a list of totals.
         {"copy", 7, 3, [](Case& c) { Animation copy(c.it); }},
-        {"loop(5)", 7, 15.1, [](Case& c) { c.it.loop(5, true, true); }},
+        {"loop(5)", 10, 16.2, [](Case& c) { c.it.loop(5, true, true); }},
         {"loop(0)", 9, 3, [](Case& c) { c.it.loop(0, true, true); }},
         {"splitAt", 14, 3, [](Case& c) { c.it.splitAt(c.size, true, true); }},
         {"splitEach", 20, 3, [](Case& c) { c.it.splitEach(c.size, true, true); }},

@@ -48,7 +48,7 @@ using LayerMap = std::map<std::string, KeyVector>;
 ///     questions         nothing; `layer` a list of keys
 ///     one layer         its keys at most, and an entry if it is created
 ///     all layers        at most the keys of each layer, an entry for each one created, and lists
-///     new layers        an entry and the keys for each, and lists
+///     new layers        an entry and the keys for each, and lists; `loop` also what it repeats
 ///
 /// There are up to three such lists, with an item a layer: what it lasts, or its edit. Splitting
 /// also has lists of its cuts and of its pieces. While an operation runs it holds the layers as
