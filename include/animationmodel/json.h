@@ -72,9 +72,12 @@ struct Place {
     Place(const Place& around, std::size_t index) : around(&around), index(index) {}
 
     nlohmann::json::json_pointer pointer() const {
-        if (around == nullptr)
-            return nlohmann::json::json_pointer();
-        return name != nullptr ? around->pointer() / *name : around->pointer() / index;
+        nlohmann::json::json_pointer from;
+        for (const Place* place = this; place->around != nullptr; place = place->around) {
+            const nlohmann::json::json_pointer root;
+            from = (place->name != nullptr ? root / *place->name : root / place->index) / from;
+        }
+        return from;
     }
 
     const Place* around = nullptr;

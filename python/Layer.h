@@ -1,0 +1,180 @@
+#pragma once
+
+#include <animationmodel/Animation.h>
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+using SharedAnimation = std::shared_ptr<Kiv::Animation>;
+
+class Key;
+
+/// A list of keys as Python holds it: a layer of an animation, which it looks up by its name
+/// whenever it is used, or, once it is taken out of the animation, keys of its own. So it points at
+/// no memory that an edit may move.
+class Layer : public std::enable_shared_from_this<Layer> {
+public:
+    /// The layer of that name: the same one as long as any is held.
+    /// Throws std::out_of_range if there is none.
+    static std::shared_ptr<Layer> of(const SharedAnimation& animation, const std::string& name);
+
+    /// Ends the tie of what is held to the animation: layers with what they hold now, keys
+    /// likewise.
+    static void take_all_out(const Kiv::Animation& animation);
+    /// Ends the tie of the keys that are held to their layers, which stay in the animation.
+    static void take_keys_out(const Kiv::Animation& animation);
+
+    ~Layer();
+
+    Kiv::KeyVector& keys() { return animation ? animation->layers.at(name) : own; }
+
+    bool isIn(const SharedAnimation& other, const std::string& otherName) const {
+        return animation == other && name == otherName;
+    }
+
+    // What changes the list keeps the keys that are held on what they were taken for.
+    std::unique_ptr<Key> take(std::size_t index);
+    void replace(std::size_t index, const Kiv::AnimationKey& key);
+    void insert(std::size_t index, const Kiv::AnimationKey& key);
+    void erase(std::size_t index);
+    void replace_all(Kiv::KeyVector keys);
+
+    /// Ends the tie to the animation. The layer there is left without keys.
+    void take_out();
+
+private:
+    friend class Key;
+    using Held = std::map<std::pair<const Kiv::Animation*, std::string>, Layer*>;
+
+    Layer(SharedAnimation animation, std::string name)
+        : animation(std::move(animation)), name(std::move(name)) {}
+    void take_keys_out();
+
+    /// All that are in an animation. Python lets one thread at a time come here.
+    static Held& held() {
+        static Held& layers = *new Held; // outlives what Python lets go of at its end
+        return layers;
+    }
+    template <class Visit>
+    static void for_each_of(const Kiv::Animation& animation, const Visit& visit) {
+        auto it = held().lower_bound({&animation, ""});
+        while (it != held().end() && it->first.first == &animation) {
+            const auto layer = it++->second->shared_from_this(); // until the visit is over
+            visit(*layer);
+        }
+    }
+
+    SharedAnimation animation; ///< None if the keys are its own.
+    std::string name;
+    Kiv::KeyVector own;
+    std::set<Key*> taken;
+};
+
+/// A key as Python holds it: one in a layer, by its index, or, once it is out of that, of its own.
+class Key {
+public:
+    explicit Key(const Kiv::AnimationKey& key) : own(key) {}
+    Key(std::shared_ptr<Layer> from, std::size_t index)
+        : layer(std::move(from)), index(index), own(Kiv::Wait, 1) {
+        layer->taken.insert(this);
+    }
+    Key(const Key&) = delete;
+    Key(Key&&) = delete;
+    Key& operator=(const Key&) = delete;
+    Key& operator=(Key&&) = delete;
+    ~Key() {
+        if (layer)
+            layer->taken.erase(this);
+    }
+
+    Kiv::AnimationKey& get() { return layer ? layer->keys().at(index) : own; }
+
+private:
+    friend class Layer;
+
+    void take_out() {
+        own = get();
+        layer->taken.erase(this);
+        layer.reset();
+    }
+
+    std::shared_ptr<Layer> layer; ///< None if the key is its own.
+    std::size_t index = 0;
+    Kiv::AnimationKey own;
+};
+
+inline std::shared_ptr<Layer> Layer::of(const SharedAnimation& animation, const std::string& name) {
+    static_cast<void>(animation->layers.at(name));
+    const auto found = held().find({animation.get(), name});
+    if (found != held().end())
+        return found->second->shared_from_this();
+    const std::shared_ptr<Layer> layer(new Layer(animation, name));
+    held().emplace(std::pair(animation.get(), name), layer.get());
+    return layer;
+}
+
+inline Layer::~Layer() {
+    if (animation)
+        held().erase({animation.get(), name});
+}
+
+inline void Layer::take_all_out(const Kiv::Animation& animation) {
+    for_each_of(animation, [](Layer& layer) { layer.take_out(); });
+}
+
+inline void Layer::take_keys_out(const Kiv::Animation& animation) {
+    for_each_of(animation, [](Layer& layer) { layer.take_keys_out(); });
+}
+
+inline void Layer::take_keys_out() {
+    while (!taken.empty())
+        (*taken.begin())->take_out();
+}
+
+inline void Layer::take_out() {
+    own = std::move(keys());
+    held().erase({animation.get(), name});
+    animation.reset();
+}
+
+inline std::unique_ptr<Key> Layer::take(std::size_t index) {
+    static_cast<void>(keys().at(index));
+    return std::make_unique<Key>(shared_from_this(), index);
+}
+
+inline void Layer::replace(std::size_t index, const Kiv::AnimationKey& key) {
+    const Kiv::AnimationKey copy = key;
+    Kiv::AnimationKey& place = keys().at(index);
+    for (auto it = taken.begin(); it != taken.end();) {
+        Key& held = **it++;
+        if (held.index == index)
+            held.take_out();
+    }
+    place = copy;
+}
+
+inline void Layer::insert(std::size_t index, const Kiv::AnimationKey& key) {
+    keys().insert(keys().begin() + static_cast<std::ptrdiff_t>(index), key);
+    for (Key* held : taken)
+        if (held->index >= index)
+            ++held->index;
+}
+
+inline void Layer::erase(std::size_t index) {
+    const Kiv::AnimationKey gone = keys().at(index);
+    replace(index, gone); // takes out what is held of it
+    keys().erase(keys().begin() + static_cast<std::ptrdiff_t>(index));
+    for (Key* held : taken)
+        if (held->index > index)
+            --held->index;
+}
+
+inline void Layer::replace_all(Kiv::KeyVector replacement) {
+    take_keys_out();
+    keys() = std::move(replacement);
+}

@@ -1,0 +1,740 @@
+// Animations in Python. Nothing is decided here: names become Python's, and what Python's lists and
+// dicts would do beside.
+
+#include "Layer.h"
+#include "docstrings.h"
+#include "exchange.h"
+
+#include <animationmodel/Rotation.h>
+#include <animationmodel/json.h>
+
+#include <pybind11/numpy.h>
+#include <pybind11/pybind11.h>
+#include <pybind11/stl.h>
+
+#include <cmath>
+#include <limits>
+#include <sstream>
+
+namespace py = pybind11;
+using namespace Kiv;
+using namespace pybind11::literals;
+
+namespace {
+
+using Effect = AnimationKeyCommandEffect;
+
+/// Any whole number.
+struct Whole {
+    py::object number;
+};
+
+/// The name of a layer: a str, and no bytes.
+struct Name {
+    std::string text;
+    operator const std::string&() const { return text; }
+};
+
+} // namespace
+
+namespace pybind11::detail {
+
+template <>
+struct type_caster<Whole> {
+    PYBIND11_TYPE_CASTER(Whole, const_name("int"));
+    bool load(handle source, bool /*convert*/) {
+        if (PyIndex_Check(source.ptr()) == 0)
+            return false;
+        value.number = reinterpret_steal<object>(PyNumber_Index(source.ptr()));
+        if (!value.number)
+            PyErr_Clear();
+        return static_cast<bool>(value.number);
+    }
+};
+
+template <>
+struct type_caster<Name> {
+    PYBIND11_TYPE_CASTER(Name, const_name("str"));
+    bool load(handle source, bool convert) {
+        make_caster<std::string> text;
+        if (PyUnicode_Check(source.ptr()) == 0 || !text.load(source, convert))
+            return false;
+        value.text = cast_op<std::string&&>(std::move(text));
+        return true;
+    }
+};
+
+} // namespace pybind11::detail
+
+namespace {
+
+unsigned int whole(const char* name, const Whole& given) {
+    int overflow = 0;
+    const long long number = PyLong_AsLongLongAndOverflow(given.number.ptr(), &overflow);
+    constexpr auto most = std::numeric_limits<unsigned int>::max();
+    if (overflow != 0 || number < 0 || number > most)
+        throw py::value_error(std::string(name) + " has to be 0 to " + std::to_string(most) +
+                              (overflow != 0 ? "" : ", not " + std::to_string(number)));
+    return static_cast<unsigned int>(number);
+}
+
+float real(const char* name, double given) {
+    const auto value = static_cast<float>(given);
+    if (std::isinf(value) && !std::isinf(given))
+        throw py::value_error(std::string(name) + " has to be within the range of 32-bit floats");
+    return value;
+}
+
+/// An object as a C++ value, or TypeError.
+template <class Value>
+Value taken(py::handle given, const char* needs) {
+    try {
+        return given.cast<Value>();
+    } catch (const py::cast_error&) {
+        throw py::type_error(std::string("needs ") + needs + ", not " +
+                             py::repr(py::type::of(given)).cast<std::string>());
+    }
+}
+
+AnimationKey key_of(Effect effect, const std::vector<double>& given, unsigned int duration) {
+    std::vector<float> args;
+    args.reserve(given.size());
+    for (const double value : given)
+        args.push_back(real("args", value));
+    return {AnimationKeyCommand(effect, args), duration};
+}
+
+AnimationKey key_of(Effect effect, const std::vector<double>& args, const Whole& duration) {
+    return key_of(effect, args, whole("duration", duration));
+}
+
+KeyVector keys_of(const py::object& given) {
+    if (py::isinstance<Layer>(given))
+        return given.cast<Layer&>().keys();
+    KeyVector keys;
+    for (const py::handle key : given)
+        keys.push_back(taken<Key&>(key, "a Key").get());
+    return keys;
+}
+
+KeyVector key_or_keys_of(const py::object& given) {
+    if (py::isinstance<Key>(given))
+        return {given.cast<Key&>().get()};
+    return keys_of(given);
+}
+
+py::list list_of(const KeyVector& keys) {
+    py::list list;
+    for (const AnimationKey& key : keys)
+        list.append(std::make_unique<Key>(key));
+    return list;
+}
+
+LayerMap layers_of(const py::object& given) {
+    LayerMap layers;
+    for (const auto& [name, keys] : py::dict(given))
+        layers[taken<Name>(name, "a str")] = keys_of(py::reinterpret_borrow<py::object>(keys));
+    return layers;
+}
+
+py::dict dict_of(const LayerMap& layers) {
+    py::dict dict;
+    for (const auto& [name, keys] : layers)
+        dict[py::str(name)] = list_of(keys);
+    return dict;
+}
+
+Animation animation_of(const py::object& layers, const Whole& introSize, const Whole& outroSize,
+                       std::optional<double> fps) {
+    Animation parts(1);
+    parts.layers = layers.is_none() ? LayerMap() : layers_of(layers);
+    parts.introSize = whole("intro_size", introSize);
+    parts.outroSize = whole("outro_size", outroSize);
+    parts.fps = fps ? real("fps", *fps) : Animation::defaultFps;
+    return Animation(parts); // fills and checks, as moving would not
+}
+
+// A copy as a Python programmer means it: the same, neither filled nor checked.
+Animation same(const Animation& animation) {
+    Animation copy(1);
+    copy.layers = animation.layers;
+    copy.introSize = animation.introSize;
+    copy.outroSize = animation.outroSize;
+    copy.fps = animation.fps;
+    return copy;
+}
+Rotation same(const Rotation& rotation) {
+    Rotation copy(rotation.pulseValue, rotation.restValue, rotation.riseDuration,
+                  rotation.fallDuration, rotation.stepDuration);
+    static_cast<Animation&>(copy) = same(static_cast<const Animation&>(rotation));
+    return copy;
+}
+
+template <class Type>
+std::string str(const Type& value) {
+    std::ostringstream text;
+    text << value;
+    return text.str();
+}
+
+std::string repr(float value) {
+    const std::string text = json_file::shortest(value);
+    return std::isfinite(value) ? text : "float('" + text + "')";
+}
+
+std::string repr(const AnimationKey& key) {
+    const auto effect = static_cast<std::int32_t>(key.command.effect);
+    std::string text = effect >= Transition && effect <= Wait
+                           ? std::string(json_file::effects[static_cast<std::size_t>(effect)])
+                           : "Effect(" + std::to_string(effect) + ")";
+    text = "Key(" + text + ", [";
+    const char* before = "";
+    for (const float value : key.command.args)
+        text += std::exchange(before, ", ") + repr(value);
+    return text + "], " + std::to_string(key.duration) + ")";
+}
+
+std::size_t count_of(const LayerMap& layers) {
+    std::size_t count = 0;
+    for (const auto& [name, keys] : layers)
+        count += keys.size();
+    return count;
+}
+
+std::string repr(const Animation& animation) {
+    const std::string fps = repr(animation.fps);
+    if (count_of(animation.layers) > 100)
+        return "<Animation of " + std::to_string(animation.layers.size()) + " layers, " +
+               std::to_string(animation.durationInFrames()) + " frames at " + fps + " fps>";
+    return "Animation(" + py::repr(dict_of(animation.layers)).cast<std::string>() +
+           ", intro_size=" + std::to_string(animation.introSize) +
+           ", outro_size=" + std::to_string(animation.outroSize) + ", fps=" + fps + ")";
+}
+
+std::string repr(const Rotation& rotation) {
+    return "Rotation(pulse_value=" + repr(rotation.pulseValue) +
+           ", rest_value=" + repr(rotation.restValue) +
+           ", rise_duration=" + std::to_string(rotation.riseDuration) +
+           ", fall_duration=" + std::to_string(rotation.fallDuration) +
+           ", step_duration=" + std::to_string(rotation.stepDuration) + ")";
+}
+
+/// The picture inside an image of its own, so that several on a page do not share their colours.
+py::object framed_svg(const Animation& animation) {
+    if (count_of(animation.layers) > 10000)
+        return py::none();
+    const std::string svg = svg_of("Animation", animation);
+    const auto encode = py::module_::import("base64").attr("b64encode");
+    const auto data = encode(py::bytes(svg)).attr("decode")().cast<std::string>();
+    const std::string size = svg.substr(svg.find("viewBox"), svg.find('>') - svg.find("viewBox"));
+    const std::string measures = size.substr(size.find("width"));
+    return py::str("<svg xmlns=\"http://www.w3.org/2000/svg\" " + size + "><image " + measures +
+                   " href=\"data:image/svg+xml;base64," + data + "\"/></svg>");
+}
+
+py::array_t<float> sampled(const Animation& animation, const Whole& start,
+                           const std::optional<Whole>& count) {
+    const unsigned int from = whole("start", start);
+    const unsigned int duration = animation.durationInFrames();
+    const unsigned int frames =
+        count ? whole("count", *count) : duration - std::min(from, duration);
+    if (frames > std::numeric_limits<unsigned int>::max() - from)
+        throw py::value_error("start + count has to be less than 4294967296");
+    const std::size_t layers = animation.layers.size();
+    if (layers > 0 && frames > std::size_t{std::numeric_limits<std::ptrdiff_t>::max()} / 4 / layers)
+        throw std::bad_alloc();
+    py::array_t<float> values({std::size_t{frames}, layers});
+    if (layers > 0)
+        sample(animation.layers, from, frames, values.mutable_data());
+    return values;
+}
+
+/// The index in a list of `size` that Python's one is.
+std::size_t index_in(std::size_t size, py::ssize_t index) {
+    const auto end = static_cast<py::ssize_t>(size);
+    if (index < 0)
+        index += end;
+    if (index < 0 || index >= end)
+        throw py::index_error("there is no key of that index");
+    return static_cast<std::size_t>(index);
+}
+
+/// Changes the keys as Python changes a list of them.
+template <class Change>
+void change_as_list(Layer& layer, const Change& change) {
+    py::list list = list_of(layer.keys());
+    if (change(list.ptr()) != 0)
+        throw py::error_already_set();
+    layer.replace_all(keys_of(list));
+}
+
+/// Layers by name as Python holds them.
+struct Layers {
+    SharedAnimation animation;
+
+    std::shared_ptr<Layer> get(const std::string& name) const {
+        if (!animation->hasLayer(name))
+            throw py::key_error(name);
+        return Layer::of(animation, name);
+    }
+    void set(const std::string& name, const py::object& keys) const {
+        if (py::isinstance<Layer>(keys) && keys.cast<Layer&>().isIn(animation, name))
+            return; // as `layers[name] += ...` ends
+        KeyVector replacement = keys_of(keys);
+        if (animation->hasLayer(name))
+            Layer::of(animation, name)->take_out();
+        animation->layers[name] = std::move(replacement);
+    }
+    void erase(const std::string& name) const {
+        get(name)->take_out();
+        animation->layers.erase(name);
+    }
+    py::list names() const {
+        py::list names;
+        for (const auto& [name, keys] : animation->layers)
+            names.append(py::str(name));
+        return names;
+    }
+};
+
+/// The methods that Python derives from those of a container.
+void derive(const py::object& type, const char* base, std::initializer_list<const char*> methods) {
+    const py::object from = py::module_::import("collections.abc").attr(base);
+    for (const char* method : methods)
+        type.attr(method) = from.attr(method);
+    from.attr("register")(type);
+}
+
+/// Before an operation that changes any layer, what Python holds of them becomes its own.
+Animation& edited(const SharedAnimation& animation) {
+    Layer::take_keys_out(*animation);
+    return *animation;
+}
+
+void bind_keys(py::module_& m) {
+    py::enum_<Effect>(m, "Effect", doc_AnimationKeyCommandEffect)
+        .value("Transition", Transition, doc_AnimationKeyCommandEffect_Transition)
+        .value("Hold", Hold, doc_AnimationKeyCommandEffect_Hold)
+        .value("NoValue", NoValue, doc_AnimationKeyCommandEffect_NoValue)
+        .value("Wait", Wait, doc_AnimationKeyCommandEffect_Wait)
+        .export_values();
+
+    py::class_<Key>(m, "Key", R"(An effect with its arguments and the whole frames that it lasts.
+
+One that is taken from a layer is live: what is set in it is set in the layer, until the key leaves
+the layer, or until an operation edits the animation; from then on it is a key of its own.)")
+        .def(py::init([](Effect effect, const std::vector<double>& args, const Whole& duration) {
+                 return std::make_unique<Key>(key_of(effect, args, duration));
+             }),
+             "effect"_a, "args"_a, "duration"_a,
+             "Raises ValueError unless `args` are as many as `effect` expects, and `duration` is 1 "
+             "or more.")
+        .def_property(
+            "effect", [](Key& key) { return key.get().command.effect; },
+            [](Key& key, Effect effect) {
+                AnimationKey& place = key.get();
+                place.command = AnimationKeyCommand(effect, place.command.args);
+            },
+            doc_AnimationKeyCommand_effect)
+        .def_property(
+            "args",
+            [](Key& key) {
+                const AnimationKeyArgs& args = key.get().command.args;
+                return py::tuple(py::cast(std::vector<float>(args)));
+            },
+            [](Key& key, const std::vector<double>& args) {
+                AnimationKey& place = key.get();
+                place = key_of(place.command.effect, args, place.duration);
+            },
+            doc_AnimationKeyCommand_args)
+        .def_property(
+            "duration", [](Key& key) { return key.get().duration; },
+            [](Key& key, const Whole& duration) {
+                AnimationKey& place = key.get();
+                place = AnimationKey(place.command, whole("duration", duration));
+            },
+            doc_AnimationKey_duration)
+        .def(
+            "split_at",
+            [](Key& key, const Whole& frame) {
+                return list_of(key.get().splitAt(whole("frame", frame)));
+            },
+            "frame"_a, doc_AnimationKey_splitAt)
+        .def(
+            "split_each",
+            [](Key& key, const Whole& step) {
+                return list_of(key.get().splitEach(whole("step", step)));
+            },
+            "step"_a, doc_AnimationKey_splitEach)
+        .def(
+            "__eq__", [](Key& a, Key& b) { return a.get() == b.get(); }, py::is_operator())
+        .def("__repr__", [](Key& key) { return repr(key.get()); })
+        .def("__str__", [](Key& key) { return str(key.get()); })
+        .def("__copy__", [](Key& key) { return std::make_unique<Key>(key.get()); })
+        .def(
+            "__deepcopy__",
+            [](Key& key, const py::dict&) { return std::make_unique<Key>(key.get()); }, "memo"_a)
+        .def(py::pickle(
+            [](Key& key) {
+                const auto& [command, duration] = key.get();
+                return py::make_tuple(static_cast<std::int32_t>(command.effect),
+                                      std::vector<float>(command.args), duration);
+            },
+            [](const py::tuple& state) {
+                return std::make_unique<Key>(
+                    key_of(static_cast<Effect>(state[0].cast<std::int32_t>()),
+                           state[1].cast<std::vector<double>>(), state[2].cast<Whole>()));
+            }));
+}
+
+void bind_layers(py::module_& m) {
+    py::class_<Layer, std::shared_ptr<Layer>> list(m, "Layer", R"(The keys of a layer, as a list.
+
+What is changed in it is changed in the animation, as long as the layer is there.)");
+    list.def("__len__", [](Layer& layer) { return layer.keys().size(); })
+        .def("__getitem__",
+             [](Layer& layer, py::ssize_t index) {
+                 return layer.take(index_in(layer.keys().size(), index));
+             })
+        .def("__getitem__",
+             [](Layer& layer, const py::slice& slice) {
+                 py::list keys;
+                 for (const py::handle index :
+                      py::module_::import("builtins")
+                          .attr("range")(*slice.attr("indices")(layer.keys().size())))
+                     keys.append(layer.take(index.cast<std::size_t>()));
+                 return keys;
+             })
+        .def("__setitem__",
+             [](Layer& layer, py::ssize_t index, Key& key) {
+                 layer.replace(index_in(layer.keys().size(), index), key.get());
+             })
+        .def("__setitem__",
+             [](Layer& layer, const py::slice& slice, const py::object& keys) {
+                 const py::list values = list_of(keys_of(keys));
+                 change_as_list(layer, [&](PyObject* before) {
+                     return PyObject_SetItem(before, slice.ptr(), values.ptr());
+                 });
+             })
+        .def("__delitem__",
+             [](Layer& layer, py::ssize_t index) {
+                 layer.erase(index_in(layer.keys().size(), index));
+             })
+        .def("__delitem__",
+             [](Layer& layer, const py::slice& slice) {
+                 change_as_list(
+                     layer, [&](PyObject* keys) { return PyObject_DelItem(keys, slice.ptr()); });
+             })
+        .def(
+            "insert",
+            [](Layer& layer, py::ssize_t index, Key& key) {
+                const auto end = static_cast<py::ssize_t>(layer.keys().size());
+                index = std::clamp<py::ssize_t>(index < 0 ? index + end : index, 0, end);
+                layer.insert(static_cast<std::size_t>(index), key.get());
+            },
+            "index"_a, "value"_a, "Inserts a key before the one of that index.")
+        .def("__eq__",
+             [](Layer& layer, const py::object& other) -> py::object {
+                 if (py::isinstance<Layer>(other))
+                     return py::bool_(layer.keys() == other.cast<Layer&>().keys());
+                 if (py::isinstance<py::list>(other))
+                     return py::bool_(py::list(py::cast(&layer)).equal(other));
+                 return py::reinterpret_borrow<py::object>(Py_NotImplemented);
+             })
+        .def("__repr__", [](Layer& layer) { return py::repr(list_of(layer.keys())); })
+        .def("__copy__", [](Layer& layer) { return list_of(layer.keys()); })
+        .def(
+            "__deepcopy__", [](Layer& layer, const py::dict&) { return list_of(layer.keys()); },
+            "memo"_a)
+        .def("__reduce__", [](Layer& layer) {
+            return py::make_tuple(py::module_::import("builtins").attr("list"),
+                                  py::make_tuple(list_of(layer.keys())));
+        });
+    derive(list, "MutableSequence",
+           {"__iter__", "__contains__", "__reversed__", "__iadd__", "index", "count", "append",
+            "clear", "extend", "pop", "remove", "reverse"});
+
+    py::class_<Layers> dict(m, "Layers", R"(The layers of an animation, as a dict.
+
+What is changed in it is changed in the animation. Names are in byte-wise order.)");
+    dict.def("__len__", [](const Layers& layers) { return layers.animation->layers.size(); })
+        .def("__getitem__", [](const Layers& layers, const Name& name) { return layers.get(name); })
+        .def("__setitem__", [](const Layers& layers, const Name& name,
+                               const py::object& keys) { layers.set(name, keys); })
+        .def("__delitem__", [](const Layers& layers, const Name& name) { layers.erase(name); })
+        .def("__iter__", [](const Layers& layers) { return py::iter(layers.names()); })
+        .def("__repr__",
+             [](const Layers& layers) { return py::repr(dict_of(layers.animation->layers)); })
+        .def("__copy__", [](const Layers& layers) { return dict_of(layers.animation->layers); })
+        .def(
+            "__deepcopy__",
+            [](const Layers& layers, const py::dict&) { return dict_of(layers.animation->layers); },
+            "memo"_a)
+        .def("__reduce__", [](const Layers& layers) {
+            return py::make_tuple(py::module_::import("builtins").attr("dict"),
+                                  py::make_tuple(dict_of(layers.animation->layers)));
+        });
+    derive(dict, "MutableMapping",
+           {"__contains__", "__eq__", "keys", "items", "values", "get", "pop", "popitem", "clear",
+            "update", "setdefault"});
+}
+
+using AnimationClass = py::class_<Animation, SharedAnimation>;
+
+void bind_questions(AnimationClass& animation) {
+    animation
+        .def(
+            "layer",
+            [](const Animation& self, const Name& name) { return list_of(self.layer(name)); },
+            "name"_a, doc_Animation_layer)
+        .def(
+            "has_layer",
+            [](const Animation& self, const Name& name) { return self.hasLayer(name); }, "name"_a,
+            doc_Animation_hasLayer)
+        .def("empty", &Animation::empty, doc_Animation_empty)
+        .def("duration_in_frames", py::overload_cast<>(&Animation::durationInFrames, py::const_),
+             doc_Animation_durationInFrames)
+        .def_static(
+            "duration_in_frames_of",
+            [](const py::object& layers) {
+                return py::hasattr(layers, "keys")
+                           ? Animation::durationInFramesOf(layers_of(layers))
+                           : Animation::durationInFramesOf(keys_of(layers));
+            },
+            "layers"_a, "Frames of the longest of `layers`, or of one layer; 0 without keys.")
+        .def("outro_start_frame", &Animation::outroStartFrame, doc_Animation_outroStartFrame)
+        .def("duration_in_seconds", &Animation::durationInSeconds, doc_Animation_durationInSeconds)
+        .def(
+            "simulated_duration_in_seconds",
+            [](const Animation& self, double fps) {
+                return self.simulatedDurationInSeconds(real("fps", fps));
+            },
+            "fps"_a, doc_Animation_simulatedDurationInSeconds)
+        .def("sample", sampled, "start"_a = 0, "count"_a = py::none(),
+             R"(The values as numpy.float32, a row for each frame and a column for each layer.
+
+Takes the frames from `start` on, `count` of them or all. The value on a frame is the one that the
+layer, cut there, begins with; NaN where there is none: on a Wait, a NoValue and past the end.)");
+}
+
+void bind_edits(AnimationClass& animation) {
+    animation
+        .def(
+            "fill_in_layer",
+            [](const SharedAnimation& self, const Name& name, const Whole& frames) {
+                edited(self).fillInLayer(name, whole("frames", frames));
+            },
+            "name"_a, "frames"_a, doc_Animation_fillInLayer)
+        .def(
+            "insert_in_layer",
+            [](const SharedAnimation& self, const Name& name, const py::object& keys,
+               const Whole& frame) {
+                const KeyVector copies = key_or_keys_of(keys);
+                edited(self).insertInLayer(name, copies, whole("frame", frame));
+            },
+            "name"_a, "keys"_a, "frame"_a, doc_Animation_insertInLayer)
+        .def(
+            "push_back_in_layer",
+            [](const SharedAnimation& self, const Name& name, const py::object& keys) {
+                const KeyVector copies = key_or_keys_of(keys);
+                edited(self).pushBackInLayer(name, copies);
+            },
+            "name"_a, "keys"_a, doc_Animation_pushBackInLayer)
+        .def(
+            "remove_in_layer",
+            [](const SharedAnimation& self, const Name& name, const Whole& start,
+               const Whole& count) {
+                edited(self).removeInLayer(name, whole("start", start), whole("count", count));
+            },
+            "name"_a, "start"_a, "count"_a, doc_Animation_removeInLayer)
+        .def(
+            "override_layer_with",
+            [](const SharedAnimation& self, const Name& name, const py::object& keys,
+               const Whole& frame) {
+                const KeyVector copies = key_or_keys_of(keys);
+                edited(self).overrideLayerWith(name, copies, whole("frame", frame));
+            },
+            "name"_a, "keys"_a, "frame"_a, doc_Animation_overrideLayerWith)
+        .def(
+            "insert",
+            [](const SharedAnimation& self, const Animation& other, const Whole& frame) {
+                edited(self).insert(other, whole("frame", frame));
+            },
+            "other"_a, "frame"_a, doc_Animation_insert)
+        .def(
+            "push_back",
+            [](const SharedAnimation& self, const Animation& other, bool keepOutro,
+               bool keepIntro) { edited(self).pushBack(other, keepOutro, keepIntro); },
+            "other"_a, "keep_outro"_a, "keep_intro"_a, doc_Animation_pushBack)
+        .def(
+            "remove",
+            [](const SharedAnimation& self, const Whole& start, const Whole& count) {
+                edited(self).remove(whole("start", start), whole("count", count));
+            },
+            "start"_a, "count"_a, doc_Animation_remove)
+        .def(
+            "override_layers_with",
+            [](const SharedAnimation& self, const Animation& other, const Whole& frame) {
+                edited(self).overrideLayersWith(other, whole("frame", frame));
+            },
+            "other"_a, "frame"_a, doc_Animation_overrideLayersWith)
+        .def(
+            "set_fps_to_fit_duration_in_seconds",
+            [](Animation& self, double seconds) {
+                self.setFPSToFitDurationInSeconds(real("seconds", seconds));
+            },
+            "seconds"_a, doc_Animation_setFPSToFitDurationInSeconds)
+        .def(
+            "reset",
+            [](const SharedAnimation& self) {
+                Layer::take_all_out(*self);
+                self->reset();
+            },
+            doc_Animation_reset);
+}
+
+void bind_results(AnimationClass& animation) {
+    animation
+        .def(
+            "intro_body_outro_layers",
+            [](const Animation& self) {
+                LayerMap intro;
+                LayerMap body;
+                LayerMap outro;
+                self.introBodyOutroLayers(intro, body, outro);
+                return py::make_tuple(dict_of(intro), dict_of(body), dict_of(outro));
+            },
+            "The layers of the intro, of the body and of the outro, three dicts. Keys across the "
+            "intro's end or the outro's start are cut there.")
+        .def(
+            "loop",
+            [](const Animation& self, const Whole& count, bool repeatIntro, bool repeatOutro) {
+                return self.loop(whole("count", count), repeatIntro, repeatOutro);
+            },
+            "count"_a, "repeat_intro"_a, "repeat_outro"_a, doc_Animation_loop)
+        .def(
+            "split_at",
+            [](const Animation& self, const py::object& frames, bool keepIntro, bool keepOutro) {
+                if (PyIndex_Check(frames.ptr()) != 0)
+                    return self.splitAt(whole("frames", frames.cast<Whole>()), keepIntro,
+                                        keepOutro);
+                std::set<unsigned int> cuts;
+                for (const py::handle frame : frames)
+                    cuts.insert(whole("frames", taken<Whole>(frame, "an int")));
+                return self.splitAt(std::move(cuts), keepIntro, keepOutro);
+            },
+            "frames"_a, "keep_intro"_a, "keep_outro"_a, doc_Animation_splitAt)
+        .def(
+            "split_each",
+            [](const Animation& self, const Whole& step, bool keepIntro, bool keepOutro) {
+                return self.splitEach(whole("step", step), keepIntro, keepOutro);
+            },
+            "step"_a, "keep_intro"_a, "keep_outro"_a, doc_Animation_splitEach)
+        .def("to_json", animation_to_json, "The animation as a text in JSON, a key a line.")
+        .def_static(
+            "from_json", [](const std::string& text) { return animation_from_json(text); },
+            "text"_a,
+            "The animation that a text in JSON describes. Raises ValueError, with the place and "
+            "what is wrong there, if it describes none.")
+        .def(
+            "svg",
+            [](const Animation& self, const std::string& title) { return svg_of(title, self); },
+            "title"_a = "Animation", "A picture that plays the animation, above its timeline.")
+        .def("_repr_svg_", framed_svg);
+}
+
+void bind_values(AnimationClass& animation) {
+    animation
+        .def(py::init(&animation_of), "layers"_a = py::none(), "intro_size"_a = 0,
+             "outro_size"_a = 0, "fps"_a = py::none(),
+             "Copies of `layers`, at `default_fps` frames per second unless `fps` is given. Fills "
+             "and checks.")
+        .def_property_static(
+            "default_fps", [](const py::object&) { return Animation::defaultFps; },
+            [](const py::object&, double fps) { Animation::defaultFps = real("fps", fps); },
+            doc_Animation_defaultFps)
+        .def_property(
+            "layers", [](const SharedAnimation& self) { return Layers{self}; },
+            [](const SharedAnimation& self, const py::object& layers) {
+                if (py::isinstance<Layers>(layers) && layers.cast<Layers&>().animation == self)
+                    return;
+                LayerMap replacement = layers_of(layers);
+                Layer::take_all_out(*self);
+                self->layers = std::move(replacement);
+            },
+            doc_Animation_layers)
+        .def_property(
+            "intro_size", [](const Animation& self) { return self.introSize; },
+            [](Animation& self, const Whole& size) { self.introSize = whole("intro_size", size); },
+            doc_Animation_introSize)
+        .def_property(
+            "outro_size", [](const Animation& self) { return self.outroSize; },
+            [](Animation& self, const Whole& size) { self.outroSize = whole("outro_size", size); },
+            doc_Animation_outroSize)
+        .def_property(
+            "fps", [](const Animation& self) { return self.fps; },
+            [](Animation& self, double fps) { self.fps = real("fps", fps); }, doc_Animation_fps)
+        .def(
+            "__eq__", [](const Animation& a, const Animation& b) { return a == b; },
+            py::is_operator())
+        .def("__repr__", [](const Animation& self) { return repr(self); })
+        .def("__str__", str<Animation>)
+        .def("__copy__", [](const Animation& self) { return same(self); })
+        .def(
+            "__deepcopy__", [](const Animation& self, const py::dict&) { return same(self); },
+            "memo"_a)
+        .def(py::pickle([](const Animation& self) { return animation_to_json(self); },
+                        [](const std::string& state) { return animation_from_json(state); }));
+}
+
+void bind_rotation(py::module_& m) {
+    py::class_<Rotation, Animation, std::shared_ptr<Rotation>>(m, "Rotation", doc_Rotation)
+        .def(py::init([](double pulse, double rest, const Whole& rise, const Whole& fall,
+                         const Whole& step) {
+                 return Rotation(real("pulse_value", pulse), real("rest_value", rest),
+                                 whole("rise_duration", rise), whole("fall_duration", fall),
+                                 whole("step_duration", step));
+             }),
+             "pulse_value"_a, "rest_value"_a, "rise_duration"_a, "fall_duration"_a,
+             "step_duration"_a, doc_Rotation_Rotation)
+        .def_readonly("pulse_value", &Rotation::pulseValue, doc_Rotation_pulseValue)
+        .def_readonly("rest_value", &Rotation::restValue, doc_Rotation_restValue)
+        .def_readonly("rise_duration", &Rotation::riseDuration, doc_Rotation_riseDuration)
+        .def_readonly("fall_duration", &Rotation::fallDuration, doc_Rotation_fallDuration)
+        .def_readonly("step_duration", &Rotation::stepDuration, doc_Rotation_stepDuration)
+        .def(
+            "__eq__", [](const Rotation& a, const Rotation& b) { return a == b; },
+            py::is_operator())
+        .def("__repr__", [](const Rotation& self) { return repr(self); })
+        .def("__copy__", [](const Rotation& self) { return same(self); })
+        .def(
+            "__deepcopy__", [](const Rotation& self, const py::dict&) { return same(self); },
+            "memo"_a)
+        .def(py::pickle(
+            [](const Rotation& self) {
+                return py::make_tuple(self.pulseValue, self.restValue, self.riseDuration,
+                                      self.fallDuration, self.stepDuration,
+                                      animation_to_json(self));
+            },
+            [](const py::tuple& state) {
+                Rotation result(state[0].cast<float>(), state[1].cast<float>(),
+                                state[2].cast<unsigned int>(), state[3].cast<unsigned int>(),
+                                state[4].cast<unsigned int>());
+                static_cast<Animation&>(result) = animation_from_json(state[5].cast<std::string>());
+                return result;
+            }));
+}
+
+} // namespace
+
+PYBIND11_MODULE(animationmodel, m) {
+    m.doc() = "Key-frame animations as data: layers of keys, built, edited, looped, cut and split.";
+    bind_keys(m);
+    bind_layers(m);
+    AnimationClass animation(m, "Animation", doc_Animation);
+    bind_values(animation);
+    bind_questions(animation);
+    bind_edits(animation);
+    bind_results(animation);
+    bind_rotation(m);
+}
