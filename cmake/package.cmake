@@ -30,12 +30,32 @@ Builds, edits, loops, cuts and splits animations of named layers of keys, for
 programs that drive lights and robots. This package holds the headers, the
 CMake package and the pkg-config file.")
 
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-animationmodel)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}") # the module's library
+set(CPACK_COMPONENT_PYTHON_DESCRIPTION
+    "Key-frame animations as data (Python 3 module)
+Builds, edits, loops, cuts and splits animations of named layers of keys, for
+programs that drive lights and robots. This package holds the module for
+Python 3.")
+if(ANIMATIONMODEL_PYTHON)
+    list(APPEND CPACK_COMPONENTS_ALL python)
+    find_package(Python COMPONENTS Interpreter REQUIRED)
+    # The module runs with the minor version that it is built for.
+    math(EXPR next_minor "${Python_VERSION_MINOR} + 1")
+    string(CONCAT CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+        "libanimationmodel${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION}), python3-numpy, "
+        "python3 (>= 3.${Python_VERSION_MINOR}), python3 (<< 3.${next_minor})")
+endif()
+
 # What Debian wants to find beside each package. The time is that of SOURCE_DATE_EPOCH.
 string(TIMESTAMP changelog_date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(cmake/debian-changelog.in doc/changelog @ONLY)
 execute_process(COMMAND gzip -9n INPUT_FILE "${CMAKE_CURRENT_BINARY_DIR}/doc/changelog"
     OUTPUT_FILE "${CMAKE_CURRENT_BINARY_DIR}/doc/changelog.gz" COMMAND_ERROR_IS_FATAL ANY)
-foreach(component RUNTIME DEVELOPMENT)
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+    string(TOUPPER ${component} component)
     string(TOLOWER ${component} lower)
     set(doc "${CMAKE_INSTALL_DATAROOTDIR}/doc/${CPACK_DEBIAN_${component}_PACKAGE_NAME}")
     install(FILES LICENSE DESTINATION ${doc} RENAME copyright COMPONENT ${lower})
