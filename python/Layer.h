@@ -3,9 +3,9 @@
 #include <animationmodel/Animation.h>
 
 #include <cstddef>
+#include <iterator>
 #include <map>
 #include <memory>
-#include <set>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -38,7 +38,8 @@ public:
     }
 
     // What changes the list keeps the keys that are held on what they were taken for.
-    std::unique_ptr<Key> take(std::size_t index);
+    /// The key of that index: the same one as long as it is held.
+    std::shared_ptr<Key> take(std::size_t index);
     void replace(std::size_t index, const Kiv::AnimationKey& key);
     void insert(std::size_t index, const Kiv::AnimationKey& key);
     void erase(std::size_t index);
@@ -49,11 +50,13 @@ public:
 
 private:
     friend class Key;
+    using Taken = std::map<std::size_t, Key*>;
     using Held = std::map<std::pair<const Kiv::Animation*, std::string>, Layer*>;
 
     Layer(SharedAnimation animation, std::string name)
         : animation(std::move(animation)), name(std::move(name)) {}
     void take_keys_out();
+    Taken::iterator move_taken(Taken::iterator from, Taken::iterator behind, std::size_t index);
 
     /// All that are in an animation. Python lets one thread at a time come here.
     static Held& held() {
@@ -72,16 +75,16 @@ private:
     SharedAnimation animation; ///< None if the keys are its own.
     std::string name;
     Kiv::KeyVector own;
-    std::set<Key*> taken;
+    Taken taken; ///< By index.
 };
 
 /// A key as Python holds it: one in a layer, by its index, or, once it is out of that, of its own.
-class Key {
+class Key : public std::enable_shared_from_this<Key> {
 public:
     explicit Key(const Kiv::AnimationKey& key) : own(key) {}
     Key(std::shared_ptr<Layer> from, std::size_t index)
         : layer(std::move(from)), index(index), own(Kiv::Wait, 1) {
-        layer->taken.insert(this);
+        layer->taken.emplace(index, this);
     }
     Key(const Key&) = delete;
     Key(Key&&) = delete;
@@ -89,7 +92,7 @@ public:
     Key& operator=(Key&&) = delete;
     ~Key() {
         if (layer)
-            layer->taken.erase(this);
+            layer->taken.erase(index);
     }
 
     Kiv::AnimationKey& get() { return layer ? layer->keys().at(index) : own; }
@@ -99,7 +102,7 @@ private:
 
     void take_out() {
         own = get();
-        layer->taken.erase(this);
+        layer->taken.erase(index);
         layer.reset();
     }
 
@@ -133,7 +136,7 @@ inline void Layer::take_keys_out(const Kiv::Animation& animation) {
 
 inline void Layer::take_keys_out() {
     while (!taken.empty())
-        (*taken.begin())->take_out();
+        taken.begin()->second->take_out();
 }
 
 inline void Layer::take_out() {
@@ -142,36 +145,44 @@ inline void Layer::take_out() {
     animation.reset();
 }
 
-inline std::unique_ptr<Key> Layer::take(std::size_t index) {
+inline std::shared_ptr<Key> Layer::take(std::size_t index) {
     static_cast<void>(keys().at(index));
-    return std::make_unique<Key>(shared_from_this(), index);
+    const auto held = taken.find(index);
+    return held == taken.end() ? std::make_shared<Key>(shared_from_this(), index)
+                               : held->second->shared_from_this();
 }
 
 inline void Layer::replace(std::size_t index, const Kiv::AnimationKey& key) {
-    const Kiv::AnimationKey copy = key;
+    const Kiv::AnimationKey copy = key; // it may be the one that is replaced
     Kiv::AnimationKey& place = keys().at(index);
-    for (auto it = taken.begin(); it != taken.end();) {
-        Key& held = **it++;
-        if (held.index == index)
-            held.take_out();
-    }
+    const auto held = taken.find(index);
+    if (held != taken.end())
+        held->second->take_out();
     place = copy;
 }
 
 inline void Layer::insert(std::size_t index, const Kiv::AnimationKey& key) {
     keys().insert(keys().begin() + static_cast<std::ptrdiff_t>(index), key);
-    for (Key* held : taken)
-        if (held->index >= index)
-            ++held->index;
+    for (auto it = taken.end(); it != taken.begin() && std::prev(it)->first >= index;)
+        it = move_taken(std::prev(it), it, std::prev(it)->first + 1);
 }
 
 inline void Layer::erase(std::size_t index) {
-    const Kiv::AnimationKey gone = keys().at(index);
-    replace(index, gone); // takes out what is held of it
+    replace(index, keys().at(index)); // takes out what is held of it
     keys().erase(keys().begin() + static_cast<std::ptrdiff_t>(index));
-    for (Key* held : taken)
-        if (held->index > index)
-            --held->index;
+    for (auto it = taken.lower_bound(index); it != taken.end();) {
+        const auto next = std::next(it);
+        move_taken(it, next, it->first - 1);
+        it = next;
+    }
+}
+
+/// Changes the index under which a key is held. Needs no memory, so that it cannot fail.
+inline Layer::Taken::iterator Layer::move_taken(Taken::iterator from, Taken::iterator behind,
+                                                std::size_t index) {
+    auto node = taken.extract(from);
+    node.key() = node.mapped()->index = index;
+    return taken.insert(behind, std::move(node));
 }
 
 inline void Layer::replace_all(Kiv::KeyVector replacement) {

@@ -126,7 +126,7 @@ KeyVector key_or_keys_of(const py::object& given) {
 py::list list_of(const KeyVector& keys) {
     py::list list;
     for (const AnimationKey& key : keys)
-        list.append(std::make_unique<Key>(key));
+        list.append(std::make_shared<Key>(key));
     return list;
 }
 
@@ -319,12 +319,14 @@ void bind_keys(py::module_& m) {
         .value("Wait", Wait, doc_AnimationKeyCommandEffect_Wait)
         .export_values();
 
-    py::class_<Key>(m, "Key", R"(An effect with its arguments and the whole frames that it lasts.
+    py::class_<Key, std::shared_ptr<Key>>(
+        m, "Key", R"(An effect with its arguments and the whole frames that it lasts.
 
 One that is taken from a layer is live: what is set in it is set in the layer, until the key leaves
-the layer, or until an operation edits the animation; from then on it is a key of its own.)")
+the layer, a slice of that is changed, or an operation edits the animation. From then on it is a key
+of its own. Keys are copied into layers.)")
         .def(py::init([](Effect effect, const std::vector<double>& args, const Whole& duration) {
-                 return std::make_unique<Key>(key_of(effect, args, duration));
+                 return std::make_shared<Key>(key_of(effect, args, duration));
              }),
              "effect"_a, "args"_a, "duration"_a,
              "Raises ValueError unless `args` are as many as `effect` expects, and `duration` is 1 "
@@ -370,10 +372,10 @@ the layer, or until an operation edits the animation; from then on it is a key o
             "__eq__", [](Key& a, Key& b) { return a.get() == b.get(); }, py::is_operator())
         .def("__repr__", [](Key& key) { return repr(key.get()); })
         .def("__str__", [](Key& key) { return str(key.get()); })
-        .def("__copy__", [](Key& key) { return std::make_unique<Key>(key.get()); })
+        .def("__copy__", [](Key& key) { return std::make_shared<Key>(key.get()); })
         .def(
             "__deepcopy__",
-            [](Key& key, const py::dict&) { return std::make_unique<Key>(key.get()); }, "memo"_a)
+            [](Key& key, const py::dict&) { return std::make_shared<Key>(key.get()); }, "memo"_a)
         .def(py::pickle(
             [](Key& key) {
                 const auto& [command, duration] = key.get();
@@ -381,7 +383,7 @@ the layer, or until an operation edits the animation; from then on it is a key o
                                       std::vector<float>(command.args), duration);
             },
             [](const py::tuple& state) {
-                return std::make_unique<Key>(
+                return std::make_shared<Key>(
                     key_of(static_cast<Effect>(state[0].cast<std::int32_t>()),
                            state[1].cast<std::vector<double>>(), state[2].cast<Whole>()));
             }));
