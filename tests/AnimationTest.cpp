@@ -152,9 +152,10 @@ TEST(AnimationTest, PrintsTheSameInEveryLocale) {
     it.fps = 29.97F;
     std::ostringstream out;
     out << it;
-    EXPECT_EQ(out.str(),
-              "29.97 fps, intro 1234, outro 5678\na: Wait over 1000\nb: no keys\n"
-              "c: Transition (0.1, -2e+20) over 3, Hold (1e-45) over 2, NoValue over 1, Effect 4 over 1");
+    EXPECT_EQ(
+        out.str(),
+        "29.97 fps, intro 1234, outro 5678\na: Wait over 1000\nb: no keys\n"
+        "c: Transition (0.1, -2e+20) over 3, Hold (1e-45) over 2, NoValue over 1, Effect 4 over 1");
 }
 
 /// Whether a text is cut short, laid out and rounded right.

@@ -141,8 +141,8 @@ public:
     friend constexpr void swap(Args& a, Args& b) noexcept { a.swap(b); }
     /// @}
 
-    /// \name Vectors and ranges
     /// @{
+    /// From and to a vector or a range of the same values.
     AnimationKeyArgs(const Vector& given) : Args(given.begin(), given.end()) {}
     Args& operator=(const Vector& given) { return *this = Args(given); }
     operator Vector() const { return Vector(begin(), end()); }
@@ -210,7 +210,7 @@ private:
     float values[2];
 };
 
-/// Take out the arguments for which `unwanted` is true, or that equal `value`; return how many.
+/// Takes out the arguments for which `unwanted` is true; returns how many.
 template <class Unwanted>
 constexpr std::size_t erase_if(AnimationKeyArgs& args, Unwanted unwanted) {
     const auto first = std::remove_if(args.begin(), args.end(), unwanted);
@@ -218,6 +218,7 @@ constexpr std::size_t erase_if(AnimationKeyArgs& args, Unwanted unwanted) {
     args.resize(args.size() - erased);
     return erased;
 }
+/// Takes out the arguments that equal `value`; returns how many.
 constexpr std::size_t erase(AnimationKeyArgs& args, float value) {
     return erase_if(args, [value](float argument) { return argument == value; });
 }
