@@ -56,7 +56,7 @@ namespace Kiv {
 Animation animation_from_json(std::string_view text);
 
 /// The animation as a text in JSON, each key in a line of its own. What `dump` prints is the same,
-/// but in one line, and one float in some thousand has more digits than it needs. Throws
+/// but in one line, and some floats have more digits than they need. Throws
 /// std::invalid_argument where writing does.
 std::string animation_to_json(const Animation& animation);
 
