@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <set>
 
 using namespace Kiv;
 
@@ -14,6 +15,7 @@ namespace {
 constexpr int pageWidth = 800;
 constexpr int margin = 16;
 constexpr int laneHeight = 24;
+constexpr int leastSeen = 4; ///< Narrower keys are too small to tell or show more than a colour.
 constexpr int signWidth = 7; ///< Of a small letter or digit.
 
 // A page of its own colour: a picture does not know what it stands on.
@@ -181,18 +183,15 @@ private:
         if (width < 0) // another key begins there
             return;
         std::string fill = args.empty() ? "" : colour(args[0]);
-        if (moves) {
-            const std::string id =
-                std::to_string(y).insert(0, 1, 'g') + "-" + std::to_string(begin);
-            out << "<linearGradient id=\"" << id << "\"><stop stop-color=\"" << fill
-                << "\"/><stop offset=\"1\" stop-color=\"" << colour(args[1])
-                << "\"/></linearGradient>\n";
-            fill = "url(#" + id + ")";
-        }
+        if (moves && width >= leastSeen)
+            fill = gradient(args[0], args[1]);
         out << "<rect x=\"" << x << "\" y=\"" << y << "\" width=\"" << std::max(1, width)
             << "\" height=\"" << laneHeight - 4 << "\" rx=\"2\" class=\""
-            << (fill.empty() ? "none" : "key\" fill=\"") << fill << "\"><title>" << key.duration
-            << " frames from " << begin << "</title></rect>\n";
+            << (fill.empty() ? "none\"" : "key\" fill=\"" + fill + "\"");
+        if (width >= leastSeen)
+            out << "><title>" << key.duration << " frames from " << begin << "</title></rect>\n";
+        else
+            out << "/>\n";
         const std::string none = key.command.effect == Wait ? "Wait" : "NoValue";
         const std::string first = args.empty() ? none : label(args[0]);
         const std::string second = moves ? label(args[1]) : "";
@@ -206,6 +205,17 @@ private:
             text(x + 3, y + 14, "from " + on(args[0]), first);
             text(x + width - 3, y + 14, "to " + on(args[1]), second);
         }
+    }
+
+    /// What to fill a key with that moves between two values. It is drawn before the first one.
+    std::string gradient(float from, float to) {
+        const std::string id =
+            "g" + std::to_string(range.level(from)) + "-" + std::to_string(range.level(to));
+        if (gradients.insert(id).second)
+            out << "<linearGradient id=\"" << id << "\"><stop stop-color=\"" << colour(from)
+                << "\"/><stop offset=\"1\" stop-color=\"" << colour(to)
+                << "\"/></linearGradient>\n";
+        return "url(#" + id + ")";
     }
 
     /// How to write over the colour of a value.
@@ -232,6 +242,7 @@ private:
     int lanes = 0;   ///< Where the first lane is.
     int height = 0;
     int perRow = 0; ///< Lamps.
+    std::set<std::string> gradients;
 };
 
 } // namespace
