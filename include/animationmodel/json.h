@@ -228,15 +228,24 @@ inline std::string shortest(float value) {
         end = std::to_chars(text, std::end(text), double{value}).ptr;
     return {text, end};
 #else
-    for (int digits = 1;; ++digits) {
-        std::stringstream text;
+    const auto written = [value](std::ios::fmtflags notation, int decimals) {
+        std::ostringstream text;
         text.imbue(std::locale::classic());
+        text.setf(notation, std::ios::floatfield);
+        text << std::setprecision(decimals) << value;
+        return text.str();
+    };
+    for (int decimals = 0;; ++decimals) {
+        const std::string text = written(std::ios::scientific, decimals);
+        std::istringstream in(text);
+        in.imbue(std::locale::classic());
         double number = 0;
-        text << std::setprecision(digits) << value;
-        const std::string shown = text.str();
-        text >> number;
-        if (static_cast<float>(number) == value || digits == 17)
-            return shown;
+        in >> number;
+        if (static_cast<float>(number) != value && decimals < 16)
+            continue;
+        const int exponent = std::stoi(text.substr(text.find('e') + 1));
+        const std::string fixed = written(std::ios::fixed, std::max(0, decimals - exponent));
+        return fixed.size() <= text.size() ? fixed : text;
     }
 #endif
 }
