@@ -1,0 +1,235 @@
+// What the page calls: the operations under their own names. Each edits the first animation in
+// place, and returns an Error of JavaScript where the library refuses.
+
+#include "Recording.h"
+#include "Timeline.h"
+#include "exchange.h"
+
+#include <animationmodel/Rotation.h>
+#include <animationmodel/json.h>
+
+#include <emscripten/bind.h>
+
+#include <exception>
+#include <iterator>
+#include <new>
+#include <set>
+#include <sstream>
+#include <type_traits>
+
+using namespace Kiv;
+using emscripten::val;
+
+namespace {
+
+/// So many keys can be edited as text. An operation that gives more is refused beforehand where it
+/// may ask for any number of them, and afterwards elsewhere.
+constexpr std::size_t mostKeys = 100000;
+
+std::size_t keys_of(const Animation& animation) {
+    std::size_t keys = 0;
+    for (const auto& [name, layer] : animation.layers)
+        keys += layer.size();
+    return keys;
+}
+
+val error(const std::string& text) {
+    return val::global("Error").new_(text);
+}
+
+/// What `call` returns, or an Error that says what it throws.
+template <class Call>
+val result_of(const Call& call) {
+    try {
+        if constexpr (std::is_void_v<decltype(call())>) {
+            call();
+            return val::undefined();
+        } else {
+            return val(call());
+        }
+    } catch (const std::bad_alloc&) {
+        return error("there is not enough memory for that");
+    } catch (const std::exception& refusal) {
+        return error(refusal.what());
+    }
+}
+
+void refuse_above(double keys, double most, const char* what) {
+    if (keys > most)
+        throw std::invalid_argument(number(static_cast<float>(keys), 7) + " " + what +
+                                    " are more than this page edits, " +
+                                    number(static_cast<float>(most), 7));
+}
+
+val insert(Animation& show, const Animation& other, unsigned int frame) {
+    return result_of([&] { show.insert(other, frame); });
+}
+
+val insert_in_layer(Animation& show, const std::string& name, const Animation& other,
+                    const std::string& from, unsigned int frame) {
+    return result_of([&] { show.insertInLayer(name, other.layer(from), frame); });
+}
+
+val push_back(Animation& show, const Animation& other, bool keepOutro, bool keepIntro) {
+    return result_of([&] { show.pushBack(other, keepOutro, keepIntro); });
+}
+
+val push_back_in_layer(Animation& show, const std::string& name, const Animation& other,
+                       const std::string& from) {
+    return result_of([&] { show.pushBackInLayer(name, other.layer(from)); });
+}
+
+val remove_frames(Animation& show, unsigned int start, unsigned int count) {
+    return result_of([&] { show.remove(start, count); });
+}
+
+val remove_in_layer(Animation& show, const std::string& name, unsigned int start,
+                    unsigned int count) {
+    return result_of([&] { show.removeInLayer(name, start, count); });
+}
+
+val override_layers_with(Animation& show, const Animation& other, unsigned int frame) {
+    return result_of([&] { show.overrideLayersWith(other, frame); });
+}
+
+val override_layer_with(Animation& show, const std::string& name, const Animation& other,
+                        const std::string& from, unsigned int frame) {
+    return result_of([&] { show.overrideLayerWith(name, other.layer(from), frame); });
+}
+
+val fill_in_layer(Animation& show, const std::string& name, unsigned int frames) {
+    return result_of([&] { show.fillInLayer(name, frames); });
+}
+
+val fit(Animation& show, float seconds) {
+    return result_of([&] { show.setFPSToFitDurationInSeconds(seconds); });
+}
+
+val reset(Animation& show) {
+    return result_of([&] { show.reset(); });
+}
+
+val loop(Animation& show, unsigned int count, bool repeatIntro, bool repeatOutro) {
+    return result_of([&] {
+        refuse_above(static_cast<double>(keys_of(show)) * count, mostKeys, "keys");
+        show = show.loop(count, repeatIntro, repeatOutro);
+    });
+}
+
+/// Takes one of the pieces, counted from 0.
+void take(Animation& show, const std::vector<Animation>& pieces, unsigned int piece) {
+    if (piece >= pieces.size())
+        throw std::invalid_argument("there are " + std::to_string(pieces.size()) +
+                                    " pieces, counted from 0");
+    show = pieces[piece];
+}
+
+val split_at(Animation& show, const val& frames, bool keepIntro, bool keepOutro,
+             unsigned int piece) {
+    return result_of([&] {
+        const auto cuts = emscripten::vecFromJSArray<unsigned int>(frames);
+        take(show, show.splitAt(std::set(cuts.begin(), cuts.end()), keepIntro, keepOutro), piece);
+    });
+}
+
+val split_each(Animation& show, unsigned int step, bool keepIntro, bool keepOutro,
+               unsigned int piece) {
+    return result_of([&] {
+        if (step > 0)
+            refuse_above(show.durationInFrames() / step, mostKeys, "pieces");
+        take(show, show.splitEach(step, keepIntro, keepOutro), piece);
+    });
+}
+
+val intro_body_outro(Animation& show, const std::string& part) {
+    return result_of([&] {
+        LayerMap intro;
+        LayerMap body;
+        LayerMap outro;
+        show.introBodyOutroLayers(intro, body, outro);
+        show = part == "intro" ? intro : part == "body" ? body : outro;
+    });
+}
+
+val rotation(Animation& show, float pulseValue, float restValue, unsigned int riseDuration,
+             unsigned int fallDuration, unsigned int stepDuration) {
+    return result_of(
+        [&] { show = Rotation(pulseValue, restValue, riseDuration, fallDuration, stepDuration); });
+}
+
+val read(const std::string& text) {
+    return result_of([&] {
+        Animation result = animation_from_json(text);
+        refuse_above(static_cast<double>(keys_of(result)), mostKeys, "keys");
+        return result;
+    });
+}
+
+val write(const Animation& show) {
+    return result_of([&] {
+        refuse_above(static_cast<double>(keys_of(show)), mostKeys, "keys");
+        return animation_to_json(show);
+    });
+}
+
+val recorded(const std::string& text, const std::string& name) {
+    return result_of([&] {
+        std::istringstream in(text);
+        return read_recording(in, name);
+    });
+}
+
+val picture(const std::string& title, const Animation& show) {
+    return result_of([&] { return svg_of(title, show); });
+}
+
+/// The names of the layers, in their order.
+val names(const Animation& show) {
+    val result = val::array();
+    for (const auto& [name, layer] : show.layers)
+        result.call<void>("push", name);
+    return result;
+}
+
+/// The values that the layers have on a frame, as text; an empty one where there is none.
+val values(const Animation& show, unsigned int frame) {
+    std::vector<float> values(show.layers.size());
+    sample(show.layers, frame, 1, values.data());
+    val result = val::array();
+    for (const float value : values)
+        result.call<void>("push", std::isnan(value) ? std::string() : number(value, 6));
+    return result;
+}
+
+} // namespace
+
+EMSCRIPTEN_BINDINGS(page) {
+    emscripten::class_<Animation>("Animation")
+        .property("fps", &Animation::fps)
+        .function("insert", &insert)
+        .function("insertInLayer", &insert_in_layer)
+        .function("pushBack", &push_back)
+        .function("pushBackInLayer", &push_back_in_layer)
+        .function("remove", &remove_frames)
+        .function("removeInLayer", &remove_in_layer)
+        .function("overrideLayersWith", &override_layers_with)
+        .function("overrideLayerWith", &override_layer_with)
+        .function("fillInLayer", &fill_in_layer)
+        .function("setFPSToFitDurationInSeconds", &fit)
+        .function("reset", &reset)
+        .function("loop", &loop)
+        .function("splitAt", &split_at)
+        .function("splitEach", &split_each)
+        .function("introBodyOutroLayers", &intro_body_outro)
+        .function("Rotation", &rotation)
+        .function("frames",
+                  emscripten::select_overload<unsigned int() const>(&Animation::durationInFrames))
+        .function("keys", &keys_of)
+        .function("measures", &measures)
+        .function("names", &names)
+        .function("values", &values)
+        .function("text", &write);
+    emscripten::function("read", &read);
+    emscripten::function("recorded", &recorded);
+    emscripten::function("picture", &picture);
+}
