@@ -31,7 +31,7 @@ std::string shortest(float value) {
     const double next = std::nextafter(value, std::copysign(HUGE_VALF, value));
     const double middle = value + (next - value) / 8;
     const auto scientific = [&](int decimals) {
-        const std::string text = text_of(std::scientific, std::setprecision(decimals), value);
+        std::string text = text_of(std::scientific, std::setprecision(decimals), value);
         if (reads_back(text, value))
             return text;
         const std::string other = text_of(std::scientific, std::setprecision(decimals), middle);
