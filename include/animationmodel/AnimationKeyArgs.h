@@ -16,7 +16,7 @@ namespace Kiv {
 
 /// The arguments of one command: up to two floats, kept inside the command.
 ///
-/// It has the interface of `std::inplace_vector<float, 2>`, a vector with a capacity of 2, and also
+/// It follows `std::inplace_vector<float, 2>`, a vector with a capacity of 2, and also
 /// converts from and to a `std::vector<float>`. What would hold more than two throws std::bad_alloc
 /// and changes nothing; `try_push_back` returns null instead. `at` throws std::out_of_range. Every
 /// other access is to an element that is there. Copies share nothing.
