@@ -28,32 +28,36 @@ using LayerMap = std::map<std::string, KeyVector>;
 /// A constructor that takes layers fills the shorter ones up to the duration D with one `Wait` key
 /// each and then checks, in this order and throwing std::invalid_argument: that the frame rate is
 /// not 0 or less (a NaN passes), that each layer lasts less than 2^31 frames, that `introSize` and
-/// `outroSize` are each at most D, and that they do not overlap. Editing does neither: afterwards
-/// layers may differ in length and the sizes may no longer fit, until the next copy fills and
-/// checks again.
+/// `outroSize` are each at most D, and that they do not overlap. Editing does not do so for the
+/// animation that is edited: afterwards layers may differ in length and the sizes may no longer
+/// fit, until the next copy fills and checks again.
 ///
 /// Every edit either succeeds or leaves the animation as it was, running out of memory
-/// (std::bad_alloc) included. Arguments may be parts of the animation itself: they count as if
-/// copied first. Frames are added as unsigned 32-bit numbers; keep layers below 2^31 frames.
+/// (std::bad_alloc) included. Arguments may be parts of the animation itself: they count as they
+/// were before the call. Frames are added as unsigned 32-bit numbers; keep layers below 2^31
+/// frames.
 ///
 /// Edits may leave an `outroSize` that is greater than the duration. Such an outro begins past
 /// every frame: `insert` and `remove` leave its size, `pushBack` drops nothing for it, and splits
-/// mark nothing with it. `outroStartFrame()` is then 0, and `introBodyOutroLayers` cuts there.
+/// mark nothing with it. For `outroStartFrame()` and `introBodyOutroLayers` it begins at 0. An
+/// `introSize` that is greater than the duration marks no piece of a split either.
 ///
 /// Costs are said in keys: the time of an operation grows as the number of keys that it reads and
 /// writes. Where it has to know what the layers last before it begins, it reads them twice.
 ///
-/// Memory is not allocated for single keys, but for those of a layer together:
+/// Memory is not allocated for single keys, but for those of a layer together. An operation
+/// allocates:
 ///
-///     questions         nothing; `layer` a list of keys
-///     one layer         its keys at most, and an entry if it is created
-///     all layers        at most the keys of each layer, an entry for each one created, and lists
-///     new layers        an entry and the keys for each, and lists; `loop` also what it repeats
+///     a question        nothing; `layer` a list of keys
+///     one layer         once at most, and an entry for a layer that is created
+///     all layers        once at most for each layer, an entry for each one created, and lists
+///     new layers        once for each and an entry; again for one that is filled or cut; and lists
 ///
-/// There are up to three such lists, with an item a layer: what it lasts, or its edit. Splitting
-/// also has lists of its cuts and of its pieces. While an operation runs it holds the layers as
-/// they were and as they will be, and one layer more at most. An argument that is taken by value is
-/// a copy of its own, unless it is moved in.
+/// There are up to three lists, with an item for each layer: its length, or its edit. Splitting
+/// also has lists of its cuts and of its pieces, `loop` one of the keys that it repeats, and
+/// arguments in braces a list of their own. A layer that has to grow takes up to twice its size.
+/// While an operation runs, the layers exist as they were and as they will be. An argument that is
+/// taken by value is a copy of its own, unless it is moved in.
 ///
 /// Distinct animations share nothing but `defaultFps`. Const operations may run at the same time.
 class ANIMATIONMODEL_EXPORT Animation {
@@ -219,7 +223,7 @@ public:
     /// of `keys` if that is longer. Without `keys` that is all.
     ///
     /// Then each run of keys other than `Wait` is laid in its place. The key of the layer that the
-    /// run begins inside is cut there. Keys that end before the run does, or with it, are gone. The
+    /// run begins inside is cut there. From there on, keys that end by the run's end are gone. The
     /// key that the run ends inside is not cut: it follows the run whole.
     ///
     ///     before  | A A A A | B B B B B B |            overrideLayerWith("led", X(3), 2)
@@ -275,7 +279,8 @@ public:
     ///
     /// `introSize` grows by the frames inserted if `frame` is less than it; at `frame` equal to it
     /// they belong to the body. `outroSize` grows if `frame` is greater than the outro's first
-    /// frame, so at the very end if there is an outro, and past the end always.
+    /// frame, so at the very end if there is an outro, and past the end even without one. (One that
+    /// is longer than the animation stays.)
     ///
     /// An `other` without keys changes nothing. `other` is filled and checked like a copy, and what
     /// that throws leaves this one unchanged. Costs all keys of both.
@@ -289,15 +294,16 @@ public:
     ///
     /// An outro or intro that is kept becomes part of the body. `outroSize` becomes that of
     /// `other`, even of one without keys. `introSize` stays. (Edits may have left an intro that
-    /// reaches past the place where `other` begins; that changes as `remove` and `insert` say.)
+    /// reaches past the place where `other` begins; its size changes as `remove` and `insert` say.)
     ///
-    /// Without layers here the result has those of `other`; an `other` without keys still drops the
-    /// outro unless it is kept. `other`, without what is dropped, is filled and checked like a
-    /// copy. Costs all keys of both.
+    /// Without layers here the result has those of `other`. An `other` without keys adds no layer,
+    /// and still drops the outro unless it is kept. `other` is filled and checked like a copy after
+    /// its intro is dropped; one that is copied in was so before, too. Costs all keys of both.
     void pushBack(Animation other, bool keepOutro, bool keepIntro);
 
     /// Takes the frames [start, start + count) out of every layer, as `removeInLayer` does, and off
-    /// `introSize` and `outroSize` what was theirs.
+    /// `introSize` and `outroSize` what was theirs. (Edits may have left an intro that reaches past
+    /// the end. It loses all frames of the range before its own end, past the animation's too.)
     ///
     ///     before  | A A A | B B B B B |              introSize 3, remove(1, 4)
     ///     after   | A | B B B |                      introSize 1
@@ -316,8 +322,9 @@ public:
     /// Sizes stay; an `other` without layers changes nothing. Costs all keys of both.
     void overrideLayersWith(const Animation& other, unsigned int frame);
 
-    /// Sets `fps` so that the animation lasts so many seconds (an animation without keys: to 0; a
-    /// NaN: to NaN). Throws std::invalid_argument if `seconds` is 0 or less.
+    /// Sets `fps` to the duration in frames over `seconds`, so that the animation lasts so long.
+    /// Without keys that is 0, for a NaN it is NaN, and for the smallest floats infinity. Throws
+    /// std::invalid_argument if `seconds` is 0 or less.
     void setFPSToFitDurationInSeconds(float seconds);
 
     /// Back to no layers, sizes 0 and `defaultFps`, which is not checked.
@@ -335,8 +342,9 @@ public:
     ///     parts   | A A A   | A | B B B B | B B |
     ///
     /// A layer shorter than the animation has less or nothing in the later parts. If edits left an
-    /// intro that reaches past the outro's start, the body is empty. Entries under
-    /// other names stay; if memory runs out, the keys appended so far stay too.
+    /// intro that reaches past the outro's start, the body is empty, and the outro is all that
+    /// comes after the intro. Entries under other names stay. If memory runs out, the keys appended
+    /// so far stay too.
     /// Costs all keys.
     void introBodyOutroLayers(LayerMap& intro, LayerMap& body, LayerMap& outro) const;
 
@@ -349,11 +357,12 @@ public:
     ///     loop(0, ...)       | intro | outro |
     ///
     /// The layers are filled as in any copy; sizes and `fps` stay. A count of 1 gives a copy. With
-    /// more, keys across the intro's end are cut there, and keys across the outro's start wherever
-    /// the body repeats, but not before the last outro; nothing is cut if nothing repeats.
-    /// Throws std::invalid_argument where the copy constructor does, if `defaultFps` is 0 or less
-    /// with a `count` above 1 and any layer, and if the result would last 2^31 frames or more.
-    /// Costs the keys of this animation and of the result.
+    /// 0, keys across either end of the body are cut there, as `remove` does. With more, keys
+    /// across the intro's end are cut there, and keys across the outro's start wherever the body
+    /// repeats, but not before the last outro; nothing is cut if nothing repeats. Throws
+    /// std::invalid_argument where the copy constructor does, if `defaultFps` is 0 or less with a
+    /// `count` above 1 and any layer, and if the result would last 2^31 frames or more. Costs the
+    /// keys of this animation and of the result.
     Animation loop(unsigned int count, bool repeatIntro, bool repeatOutro) const;
 
     /// The piece before `frame` and the piece from it on. Keys across the cut are cut there.
@@ -370,7 +379,8 @@ public:
     /// one piece is marked with the outro: the first one that ends where the outro begins, or
     /// later. Its `outroSize` is the part of the outro that lies in it, which is 0 if it ends right
     /// there. The last piece is never marked, and all other sizes are 0. Where layers differ in
-    /// length, the first one to reach the boundary decides.
+    /// length, the first one to reach the boundary decides, and only what that one and those before
+    /// it have in the piece is counted.
     ///
     /// Throws std::invalid_argument if `fps` is 0 or less. Costs all keys.
     std::vector<Animation> splitAt(unsigned int frame, bool keepIntro, bool keepOutro) const;
@@ -398,7 +408,7 @@ public:
 
     /// @}
 
-    /// Layers, sizes and frame rate, exactly. A NaN frame rate differs from itself.
+    /// Layers, sizes and frame rate, as floats compare: a NaN differs from itself, 0 equals -0.
     friend bool operator==(const Animation& a, const Animation& b) {
         return a.layers == b.layers && a.introSize == b.introSize && a.outroSize == b.outroSize &&
                a.fps == b.fps;
@@ -441,7 +451,7 @@ protected:
     /// cut there; a range that would pass 2^32 - 1 goes to the end.
     ///
     /// Afterwards `it` is the first key after the range. `frame` is where that key began before
-    /// anything was removed, or `start` if it was cut there too; at the end, the layer's total.
+    /// anything was removed, or `start` if it was cut there too; at the end, the total before.
     static void _removeKeys(unsigned int& frame, KeyVector::iterator& it, KeyVector& layer,
                             unsigned int start, unsigned int count);
     /// @}

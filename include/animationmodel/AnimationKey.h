@@ -51,8 +51,9 @@ public:
     /// Each piece of a `Transition` starts from its own index, so rounding errors do not add up;
     /// the last one starts where the piece before it ends, and ends exactly where the key does.
     /// The values may differ from those of `splitAt` by a few roundings, which is more than the
-    /// last bit where they are near 0. A `Transition` without two arguments does not move.
-    /// Throws std::invalid_argument if `step` is 0. Costs the pieces.
+    /// last bit where they are near 0; and where a product there is infinite, it may not be here. A
+    /// `Transition` without two arguments does not move. Throws std::invalid_argument if `step` is
+    /// 0. Costs the pieces.
     KeyVector splitEach(unsigned int step) const;
 
     friend bool operator==(const AnimationKey& a, const AnimationKey& b) noexcept {

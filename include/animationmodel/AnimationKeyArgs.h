@@ -16,10 +16,10 @@ namespace Kiv {
 
 /// The arguments of one command: up to two floats, kept inside the command.
 ///
-/// It follows `std::inplace_vector<float, 2>`, a vector with a capacity of 2, and also
-/// converts from and to a `std::vector<float>`. What would hold more than two throws std::bad_alloc
-/// and changes nothing; `try_push_back` returns null instead. `at` throws std::out_of_range. Every
-/// other access is to an element that is there. Copies share nothing.
+/// It follows `std::inplace_vector<float, 2>`, a vector with a capacity of 2, and also converts
+/// from and to a `std::vector<float>`. What would hold more than two throws std::bad_alloc and
+/// changes nothing; `try_push_back` returns null instead. `at` throws std::out_of_range. All other
+/// access has to be to an element that is there, or to room for one. Copies share nothing.
 ///
 /// It is a trivial type, for layers are copied by one plain memory copy. So `AnimationKeyArgs a{}`
 /// is empty, but `AnimationKeyArgs a` holds nothing that may be read, like `float b`.
@@ -157,7 +157,7 @@ public:
 
     /// \name Comparison
     /// By number and values, with another one or with a vector: a NaN differs from itself, and 0
-    /// equals -0. The order is lexicographic.
+    /// equals -0. The order is lexicographic, and of arguments alone.
     /// @{
     friend constexpr bool operator==(const Args& a, const Args& b) noexcept {
         return a.count == b.count && (a.count < 1 || a.values[0] == b.values[0]) &&

@@ -40,7 +40,7 @@
 /// read back equal, every float with the same bits. Only a NaN may get other bits: it is written as
 /// "nan", and infinities as "inf" and "-inf". Any other float is written as the shortest text that
 /// reads back as this float: 0.1, not 0.10000000149011612. A number that is read is rounded to the
-/// nearest float.
+/// nearest double, and that to the nearest float; `-0` without a point is 0.
 ///
 /// Reading refuses what is no such animation, unknown members included, and a number too great for
 /// a float. Writing refuses a key that its constructors would refuse, as open fields may leave one,
