@@ -91,14 +91,16 @@ struct Reader {
     unsigned int sent = 0; ///< When the last values were.
 };
 
-/// Reads a recording and calls `visit` with the number of bytes read, line by line. Errors name it
-/// `name`.
-template <class Visit>
-Animation read_lines(std::istream& in, const std::string& name, const Visit& visit) {
+} // namespace
+
+Animation read_recording(std::istream& in, const std::string& name) {
+    std::error_code unknown; // where it is called after no regular file
+    const auto size = static_cast<double>(std::filesystem::file_size(name, unknown));
+    Progress progress{"reading " + name};
     Reader reader;
     double done = 0;
     for (std::string line; std::getline(in, line);) {
-        visit(done += static_cast<double>(line.size() + 1));
+        progress.at(done += static_cast<double>(line.size() + 1), size);
         try {
             reader.read(line);
         } catch (const std::runtime_error& error) {
@@ -111,18 +113,9 @@ Animation read_lines(std::istream& in, const std::string& name, const Visit& vis
     return reader.finish();
 }
 
-} // namespace
-
 Animation read_recording(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    std::error_code unknown; // where it is no regular file
-    const auto size = static_cast<double>(std::filesystem::file_size(path, unknown));
-    Progress progress{"reading " + path};
-    return read_lines(file, path, [&](double done) { progress.at(done, size); });
-}
-
-Animation read_recording(std::istream& in, const std::string& name) {
-    return read_lines(in, name, [](double) {});
+    return read_recording(file, path);
 }
 
 void write_recording(std::ostream& out, const Animation& show) {

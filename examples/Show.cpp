@@ -7,6 +7,7 @@
 
 #include <animationmodel/json.h>
 
+#include <cctype>
 #include <cmath>
 #include <fstream>
 #include <iterator>
@@ -45,8 +46,9 @@ Animation show_of(const std::string& text) {
 
 Animation read_show(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
-    if ((file >> std::ws).peek() != '{')
-        return read_recording(path);
+    const int first = file.peek(); // a pipe can be read only once
+    if (first != '{' && std::isspace(first) == 0)
+        return read_recording(file, path);
     const std::string text(std::istreambuf_iterator<char>(file), {});
     try {
         return show_of(text);

@@ -57,6 +57,12 @@ makes '1 0,7 3 1 0,0 1 1 0,36 1 1 0,73 1 1 0,109 1 1 0,146 1 1 0,182 1 1 0,219 1
 "$lightshow" c --write c.json
 makes '1 0,7 3 1 0,0 1 1 0,36 1 1 0,73 1 1 0,109 1 1 0,146 1 1 0,182 1 1 0,219 1 1  3 1 0,255 4' c.json
 grep -q '"0001.002": \[$' c.json && grep -q '"introSize": 3' c.json || fail 'writes other JSON'
+# through pipes, which can be read only once
+mkfifo pipe
+cat a >pipe &
+makes '1 10,20 100 1 30 50' pipe
+cat c >pipe &
+makes '1 0,7 3 1 0,0 1 1 0,36 1 1 0,73 1 1 0,109 1 1 0,146 1 1 0,182 1 1 0,219 1 1  3 1 0,255 4' pipe
 "$lightshow" a --write a.json
 makes '1 10,20 100 1 30 50' a.json
 
