@@ -12,6 +12,14 @@
 
 // What other languages take from an animation, beside its JSON.
 
+/// How many keys all layers have together.
+inline std::size_t count_keys(const Kiv::LayerMap& layers) {
+    std::size_t count = 0;
+    for (const auto& [name, keys] : layers)
+        count += keys.size();
+    return count;
+}
+
 /// The picture that `write_svg` draws.
 inline std::string svg_of(const std::string& title, const Kiv::Animation& animation) {
     std::ostringstream text;

@@ -56,7 +56,7 @@ private:
     Layer(SharedAnimation animation, std::string name)
         : animation(std::move(animation)), name(std::move(name)) {}
     void take_keys_out();
-    Taken::iterator move_taken(Taken::iterator from, Taken::iterator behind, std::size_t index);
+    Taken::iterator move_taken(Taken::iterator from, Taken::iterator after, std::size_t index);
 
     /// All that are in an animation. Python lets one thread at a time come here.
     static Held& held() {
@@ -178,11 +178,11 @@ inline void Layer::erase(std::size_t index) {
 }
 
 /// Changes the index under which a key is held. Needs no memory, so that it cannot fail.
-inline Layer::Taken::iterator Layer::move_taken(Taken::iterator from, Taken::iterator behind,
+inline Layer::Taken::iterator Layer::move_taken(Taken::iterator from, Taken::iterator after,
                                                 std::size_t index) {
     auto node = taken.extract(from);
     node.key() = node.mapped()->index = index;
-    return taken.insert(behind, std::move(node));
+    return taken.insert(after, std::move(node));
 }
 
 inline void Layer::replace_all(Kiv::KeyVector replacement) {

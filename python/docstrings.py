@@ -28,13 +28,13 @@ def comments(lines):
         if line.startswith("///"):
             text.append(line[4:])
             continue
-        code, _, behind = line.partition(" ///< ")
+        code, _, after = line.partition(" ///< ")
         opened, found = SCOPE.match(code), MEMBER.match(code)
         if opened:
             scope = opened[1]
             docs[scope] = "\n".join(text)
-        elif found and (behind or text) and not "".join(text).startswith("\\name"):
-            docs.setdefault(f"{scope}_{found[1]}", behind or "\n".join(text))
+        elif found and (after or text) and not "".join(text).startswith("\\name"):
+            docs.setdefault(f"{scope}_{found[1]}", after or "\n".join(text))
         text = []
     return docs
 

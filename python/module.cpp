@@ -194,16 +194,9 @@ std::string repr(const AnimationKey& key) {
     return text + "], " + std::to_string(key.duration) + ")";
 }
 
-std::size_t count_of(const LayerMap& layers) {
-    std::size_t count = 0;
-    for (const auto& [name, keys] : layers)
-        count += keys.size();
-    return count;
-}
-
 std::string repr(const Animation& animation) {
     const std::string fps = repr(animation.fps);
-    if (count_of(animation.layers) > 100)
+    if (count_keys(animation.layers) > 100)
         return "<Animation of " + std::to_string(animation.layers.size()) + " layers, " +
                std::to_string(animation.durationInFrames()) + " frames at " + fps + " fps>";
     return "Animation(" + py::repr(dict_of(animation.layers)).cast<std::string>() +
@@ -221,7 +214,7 @@ std::string repr(const Rotation& rotation) {
 
 /// The picture inside an image of its own, so that several on a page do not share their colours.
 py::object framed_svg(const Animation& animation) {
-    if (count_of(animation.layers) > 10000)
+    if (count_keys(animation.layers) > 10000)
         return py::none();
     const std::string svg = svg_of("Animation", animation);
     const auto encode = py::module_::import("base64").attr("b64encode");

@@ -27,10 +27,7 @@ namespace {
 constexpr std::size_t mostKeys = 100000;
 
 std::size_t keys_of(const Animation& animation) {
-    std::size_t keys = 0;
-    for (const auto& [name, layer] : animation.layers)
-        keys += layer.size();
-    return keys;
+    return count_keys(animation.layers);
 }
 
 val error(const std::string& text) {
@@ -61,17 +58,26 @@ void refuse_above(double keys, double most, const char* what) {
                                     number(static_cast<float>(most), 7));
 }
 
-val insert(Animation& show, const Animation& other, unsigned int frame) {
-    return result_of([&] { show.insert(other, frame); });
-}
+/// An edit of the library, `Edit<&Animation::insert>::call`. Another animation that it takes is
+/// copied in it, so that a refusal of the copy is an Error too.
+template <auto edit>
+struct Edit;
+template <class... Arguments, void (Animation::*edit)(Arguments...)>
+struct Edit<edit> {
+    template <class Argument>
+    using Given =
+        std::conditional_t<std::is_same_v<Argument, Animation>, const Animation&, Argument>;
+
+    static val call(Animation& show, Given<Arguments>... arguments) {
+        return result_of([&] { (show.*edit)(arguments...); });
+    }
+};
+
+// Those that take keys get them from a layer of another animation.
 
 val insert_in_layer(Animation& show, const std::string& name, const Animation& other,
                     const std::string& from, unsigned int frame) {
     return result_of([&] { show.insertInLayer(name, other.layer(from), frame); });
-}
-
-val push_back(Animation& show, const Animation& other, bool keepOutro, bool keepIntro) {
-    return result_of([&] { show.pushBack(other, keepOutro, keepIntro); });
 }
 
 val push_back_in_layer(Animation& show, const std::string& name, const Animation& other,
@@ -79,34 +85,9 @@ val push_back_in_layer(Animation& show, const std::string& name, const Animation
     return result_of([&] { show.pushBackInLayer(name, other.layer(from)); });
 }
 
-val remove_frames(Animation& show, unsigned int start, unsigned int count) {
-    return result_of([&] { show.remove(start, count); });
-}
-
-val remove_in_layer(Animation& show, const std::string& name, unsigned int start,
-                    unsigned int count) {
-    return result_of([&] { show.removeInLayer(name, start, count); });
-}
-
-val override_layers_with(Animation& show, const Animation& other, unsigned int frame) {
-    return result_of([&] { show.overrideLayersWith(other, frame); });
-}
-
 val override_layer_with(Animation& show, const std::string& name, const Animation& other,
                         const std::string& from, unsigned int frame) {
     return result_of([&] { show.overrideLayerWith(name, other.layer(from), frame); });
-}
-
-val fill_in_layer(Animation& show, const std::string& name, unsigned int frames) {
-    return result_of([&] { show.fillInLayer(name, frames); });
-}
-
-val fit(Animation& show, float seconds) {
-    return result_of([&] { show.setFPSToFitDurationInSeconds(seconds); });
-}
-
-val reset(Animation& show) {
-    return result_of([&] { show.reset(); });
 }
 
 val loop(Animation& show, unsigned int count, bool repeatIntro, bool repeatOutro) {
@@ -206,17 +187,18 @@ val values(const Animation& show, unsigned int frame) {
 EMSCRIPTEN_BINDINGS(page) {
     emscripten::class_<Animation>("Animation")
         .property("fps", &Animation::fps)
-        .function("insert", &insert)
+        .function("insert", &Edit<&Animation::insert>::call)
         .function("insertInLayer", &insert_in_layer)
-        .function("pushBack", &push_back)
+        .function("pushBack", &Edit<&Animation::pushBack>::call)
         .function("pushBackInLayer", &push_back_in_layer)
-        .function("remove", &remove_frames)
-        .function("removeInLayer", &remove_in_layer)
-        .function("overrideLayersWith", &override_layers_with)
+        .function("remove", &Edit<&Animation::remove>::call)
+        .function("removeInLayer", &Edit<&Animation::removeInLayer>::call)
+        .function("overrideLayersWith", &Edit<&Animation::overrideLayersWith>::call)
         .function("overrideLayerWith", &override_layer_with)
-        .function("fillInLayer", &fill_in_layer)
-        .function("setFPSToFitDurationInSeconds", &fit)
-        .function("reset", &reset)
+        .function("fillInLayer", &Edit<&Animation::fillInLayer>::call)
+        .function("setFPSToFitDurationInSeconds",
+                  &Edit<&Animation::setFPSToFitDurationInSeconds>::call)
+        .function("reset", &Edit<&Animation::reset>::call)
         .function("loop", &loop)
         .function("splitAt", &split_at)
         .function("splitEach", &split_each)
