@@ -9,23 +9,16 @@ Memory memory;
 
 namespace {
 
-/// In the order of the operations.
-const char* const names[operationCount] = {"insertInLayer, keys",
-                                           "insertInLayer, one key",
-                                           "pushBackInLayer",
-                                           "fillInLayer",
-                                           "removeInLayer",
-                                           "overrideLayerWith",
-                                           "insert",
-                                           "pushBack",
-                                           "remove",
-                                           "overrideLayersWith",
-                                           "construction",
-                                           "sizes set",
-                                           "loop",
-                                           "splitAt",
-                                           "splitEach",
-                                           "introBodyOutroLayers"};
+#define KIV_TEXT_OF(...) #__VA_ARGS__
+#define KIV_TEXT(...) KIV_TEXT_OF(__VA_ARGS__)
+
+std::string name_of(Operation operation) {
+    std::istringstream names(KIV_TEXT(KIV_OPERATIONS));
+    std::string name;
+    for (unsigned int i = 0; i <= static_cast<unsigned int>(operation); ++i)
+        std::getline(names >> std::ws, name, ',');
+    return name;
+}
 
 /// A copy of an animation or a model, neither filled nor checked.
 template <class It>
@@ -43,18 +36,18 @@ void edit(It& it, const It& other, const Step& step, const KeyVector& keys) {
     const auto& [operation, frame, count, first, second, name, own, given] = step;
     const AnimationKey key = keys.empty() ? AnimationKey(Wait, 3) : keys.back();
     switch (operation) {
-    case Operation::InsertKeysInLayer: return it.insertInLayer(name, keys, frame);
-    case Operation::InsertKeyInLayer: return it.insertInLayer(name, key, frame);
-    case Operation::PushBackInLayer: return it.pushBackInLayer(name, keys);
-    case Operation::FillInLayer: return it.fillInLayer(name, frame);
-    case Operation::RemoveInLayer: return it.removeInLayer(name, frame, count);
-    case Operation::OverrideLayerWith: return it.overrideLayerWith(name, keys, frame);
-    case Operation::Insert: return it.insert(other, frame);
-    case Operation::PushBack: // as moved: not yet filled and checked
+    case Operation::insertKeysInLayer: return it.insertInLayer(name, keys, frame);
+    case Operation::insertKeyInLayer: return it.insertInLayer(name, key, frame);
+    case Operation::pushBackInLayer: return it.pushBackInLayer(name, keys);
+    case Operation::fillInLayer: return it.fillInLayer(name, frame);
+    case Operation::removeInLayer: return it.removeInLayer(name, frame, count);
+    case Operation::overrideLayerWith: return it.overrideLayerWith(name, keys, frame);
+    case Operation::insert: return it.insert(other, frame);
+    case Operation::pushBack: // as moved: not yet filled and checked
         return it.pushBack(exact_copy(other), first, second);
-    case Operation::Remove: return it.remove(frame, count);
-    case Operation::OverrideLayersWith: return it.overrideLayersWith(other, frame);
-    case Operation::Construct: it = It(other.layers, frame, count); return;
+    case Operation::remove: return it.remove(frame, count);
+    case Operation::overrideLayersWith: return it.overrideLayersWith(other, frame);
+    case Operation::construct: it = It(other.layers, frame, count); return;
     default: // sizes set
         it.introSize = frame;
         it.outroSize = count;
@@ -70,10 +63,10 @@ std::vector<It> call(It& it, const It& other, const Step& step, const KeyVector&
         return step.count == part ? it.layers : parts[part].layers;
     };
     switch (operation) {
-    case Operation::Loop: return {it.loop(count, first, second)};
-    case Operation::SplitAt: return it.splitAt({frame, count, count / 2}, first, second);
-    case Operation::SplitEach: return it.splitEach(count, first, second);
-    case Operation::IntroBodyOutroLayers:
+    case Operation::loop: return {it.loop(count, first, second)};
+    case Operation::splitAt: return it.splitAt({frame, count, count / 2}, first, second);
+    case Operation::splitEach: return it.splitEach(count, first, second);
+    case Operation::introBodyOutroLayers:
         it.introBodyOutroLayers(map(0), map(1), map(2));
         return parts;
     default: edit(it, other, step, keys); return {};
@@ -118,16 +111,22 @@ std::string text_of(const It& it, const Outcome<It>& outcome) {
 }
 
 /// Attempts the call with its first allocation failing, then with its second one, and so on until
-/// memory suffices. Sets `changed` if a call that failed left something else than `before`.
+/// memory suffices. Sets `changed` if a call that failed left something else than `before`, or
+/// refused with another text than in the end.
 Outcome<Animation> attempt_with_little_memory(Animation& it, const Animation& other,
                                               const Step& step, const KeyVector& keys,
                                               const Model& before, bool& changed) {
+    std::set<std::string> refusals;
     for (unsigned long nth = 1;; ++nth) {
         memory.failAt = nth;
         try {
             Outcome<Animation> outcome = attempt(it, other, step, keys);
+            const bool sufficed = memory.failAt > 0;
             memory.failAt = 0;
-            return outcome;
+            refusals.insert(outcome.refused);
+            changed = changed || refusals.size() > 1;
+            if (sufficed || outcome.refused.empty())
+                return outcome;
         } catch (const std::bad_alloc&) {
             memory.failAt = 0;
             changed = changed || !same(it, before);
@@ -167,10 +166,10 @@ std::string run_step(Subject& subject, Subject& other, Step step, Check check,
         ++calls;
         return "";
     }
-    if (check == Check::Memory && step.operation == Operation::IntroBodyOutroLayers)
+    if (check == Check::Memory && step.operation == Operation::introBodyOutroLayers)
         step.count = 3; // no map is the animation's own: that keeps what it got
     if (subject.model.layers != Model(subject.model.layers, 0, 0).layers &&
-        (step.operation == Operation::SplitAt || step.operation == Operation::SplitEach)) {
+        (step.operation == Operation::splitAt || step.operation == Operation::splitEach)) {
         step.first = false; // the model has no marks for layers of unequal lengths
         step.second = false;
     }
@@ -194,9 +193,9 @@ std::string run_step(Subject& subject, Subject& other, Step step, Check check,
         return "";
 
     std::ostringstream text;
-    text << names[static_cast<unsigned int>(step.operation)] << " of layer \"" << step.name
-         << "\" with frame " << step.frame << ", count " << step.count << std::boolalpha
-         << ", flags " << step.first << " and " << step.second << "\n--- keys:\n"
+    text << name_of(step.operation) << " of layer \"" << step.name << "\" with frame " << step.frame
+         << ", count " << step.count << std::boolalpha << ", flags " << step.first << " and "
+         << step.second << "\n--- keys:\n"
          << keysBefore << "\n--- other" << (&other == &subject ? ", the same one" : "") << ":\n"
          << otherBefore << "\n--- before:\n"
          << animationBefore << "\n--- expected, frame by frame:\n"
@@ -253,7 +252,7 @@ struct Reader {
         step.second = take(2) != 0;
         step.name = names[take(5)];
         step.own = "none";
-        if (!extreme && step.operation == Operation::Loop)
+        if (!extreme && step.operation == Operation::loop)
             step.count %= 4;
         else if (!extreme && take(16) == 0)
             step.count = 4294967295 - take(2);

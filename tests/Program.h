@@ -28,26 +28,12 @@ struct Subject {
     Model model;
 };
 
-enum class Operation {
-    InsertKeysInLayer,
-    InsertKeyInLayer,
-    PushBackInLayer,
-    FillInLayer,
-    RemoveInLayer,
-    OverrideLayerWith,
-    Insert,
-    PushBack,
-    Remove,
-    OverrideLayersWith,
-    Construct,
-    SetSizes,
-    Loop,
-    SplitAt,
-    SplitEach,
-    IntroBodyOutroLayers
-};
-constexpr unsigned int operationCount =
-    static_cast<unsigned int>(Operation::IntroBodyOutroLayers) + 1;
+#define KIV_OPERATIONS                                                                             \
+    insertKeysInLayer, insertKeyInLayer, pushBackInLayer, fillInLayer, removeInLayer,              \
+        overrideLayerWith, insert, pushBack, remove, overrideLayersWith, construct, setSizes,      \
+        loop, splitAt, splitEach, introBodyOutroLayers
+enum class Operation { KIV_OPERATIONS };
+constexpr auto operationCount = static_cast<unsigned int>(Operation::introBodyOutroLayers) + 1;
 
 /// One call: the operation, and all arguments that any of them takes.
 struct Step {

@@ -10,25 +10,25 @@ using namespace Kiv;
 
 namespace {
 
-/// The same bits as another type. (Some standard libraries have no std::bit_cast yet.)
-template <class To, class From>
-To bits_as(From from) {
-    static_assert(sizeof(To) == sizeof(From));
-    To to;
-    std::memcpy(&to, &from, sizeof to);
-    return to;
-}
-
+// Some standard libraries have no std::bit_cast yet.
 float number(std::mt19937& random, unsigned int row) {
     const auto any = static_cast<std::uint32_t>(random());
+    if (row % 3 == 0)
+        return static_cast<float>(any % 200001U) / 1000 - 100;
     const std::uint32_t bits = any & (row % 3 == 1 ? ~0x00800000U : 0x80FFFFFFU); // or subnormal
-    return row % 3 == 0 ? static_cast<float>(any % 200001U) / 1000 - 100 : bits_as<float>(bits);
+    float value = 0;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
 }
 
 std::uint32_t hash(const KeyVector& pieces, std::uint32_t sum) {
     for (const AnimationKey& piece : pieces)
-        for (const float value : piece.command.args) // a NaN's bits are the processor's affair
-            sum = (sum ^ (value == value ? bits_as<std::uint32_t>(value) : 7)) * 16777619U;
+        for (const float value : piece.command.args) {
+            std::uint32_t bits = 7; // a NaN's bits are the processor's affair
+            if (value == value)
+                std::memcpy(&bits, &value, sizeof bits);
+            sum = (sum ^ bits) * 16777619U;
+        }
     return sum;
 }
 
