@@ -23,7 +23,8 @@ TEST(JsonTest, WritesWhatPeopleWouldWrite) {
 }
 
 TEST(JsonTest, WritesEachKeyInALine) {
-    Animation show = animation("lamp: T-0,3e38:10 W:5; none:  | 10 9");
+    // Read as a double, 7.038531e-26 is halfway to the next float.
+    Animation show = animation("lamp: T-0,0x1.5c87fap-84:10 W:5; none:  | 10 9");
     show.fps = NAN;
     const std::string text = R"({
   "fps": "nan",
@@ -31,7 +32,7 @@ TEST(JsonTest, WritesEachKeyInALine) {
   "outroSize": 9,
   "layers": {
     "lamp": [
-      ["Transition", [-0.0, 3e+38], 10],
+      ["Transition", [-0.0, 7.0385307e-26], 10],
       ["Wait", [], 5]
     ],
     "none": []

@@ -9,7 +9,7 @@ using namespace Kiv;
 /// animation is cut there.
 TEST(PlayerTest, PlaysWhatACutWouldBeginWith) {
     const Animation show = animation("a: T0.1,0.7:7 H3:2 N:3 E9:1 T1,0:4; b: W:4 T1,1:2 H0:1; "
-                                     "c: T0,255:11 T255,0.3:9; d: ");
+                                     "c: T0,255:11 T255,0.3:9; d: ; e: T1,inf:3");
     const unsigned int duration = show.durationInFrames();
     for (unsigned int frame = 0; frame < duration + 2; ++frame)
         for (unsigned int from = 0; from < duration + 2; ++from) {

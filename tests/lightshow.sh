@@ -56,7 +56,13 @@ printf '{"fps": 300, "introSize": 1, "outroSize": 4, "layers": {"1.2": [["Hold",
 makes '1 0,7 3 1 0,0 1 1 0,36 1 1 0,73 1 1 0,109 1 1 0,146 1 1 0,182 1 1 0,219 1 1  3 1 0,255 4' c
 "$lightshow" c --write c.json
 makes '1 0,7 3 1 0,0 1 1 0,36 1 1 0,73 1 1 0,109 1 1 0,146 1 1 0,182 1 1 0,219 1 1  3 1 0,255 4' c.json
-grep -q '"0001.002": \[$' c.json && grep -q '"introSize": 3' c.json || fail 'writes other JSON'
+for member in '"0001.002": \[$' '"introSize": 3,' '"outroSize": 14,'; do
+    grep -q "$member" c.json || fail "writes no $member"
+done
+# a key that lasts no millisecond is gone
+printf '{"fps": 4000, "layers": {"1.1": [["Hold", [1], 1], ["Hold", [2], 7]]}}' >d
+"$lightshow" d --write d.json
+grep -q '\["Hold", \[1\]' d.json && fail 'keeps a key of no time'
 # through pipes, which can be read only once
 mkfifo pipe
 cat a >pipe &
@@ -103,6 +109,7 @@ is_none ' /layers/1.1/0/0: needs Transition, Hold, NoValue, Wait or a number fro
     '{"layers": {"1.1": [["hold", [1], 1]]}}'
 is_none ' a layer is called UNIVERSE.CHANNEL, such as 1.5, not "lamp"' '{"layers": {"lamp": []}}'
 is_none ' a layer is called UNIVERSE.CHANNEL, such as 1.5, not "1.513"' '{"layers": {"1.513": []}}'
+is_none ' a layer is called UNIVERSE.CHANNEL, such as 1.5, not "1.0"' '{"layers": {"1.0": []}}'
 is_none ' the channel of layer "1.1" has another one' '{"layers": {"1.1": [], "1.01": []}}'
 is_none ' at its frame rate the show would be too long' '{"fps": 0, "layers": {"1.1": [["Wait", [], 1]]}}'
 printf 'OLA Show\n1 10,20\n100\n1 300\n' >bad

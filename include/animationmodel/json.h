@@ -224,8 +224,8 @@ inline std::string shortest(float value) {
     double number = 0;
     auto* end = std::to_chars(text, std::end(text), value).ptr;
     std::from_chars(text, end, number);
-    if (static_cast<float>(number) != value) // the double is halfway to another float
-        end = std::to_chars(text, std::end(text), double{value}).ptr;
+    if (static_cast<float>(number) != value) // 7.038531e-26: halfway to the next float
+        end = std::to_chars(text, std::end(text), value, std::chars_format::scientific, 7).ptr;
     return {text, end};
 #else
     const auto written = [value](std::ios::fmtflags notation, int decimals) {

@@ -74,8 +74,9 @@ void useBraces() {
 
 void useAnimationsAsValues() {
     Animation lamp({{"lamp", {{{Hold, {1}}, 5}}}});
-    Animation none;
+    Animation none(30);
     swap(lamp, none);
+    EXPECT(lamp.fps == 30);
     std::swap(lamp, none);
     EXPECT(none.layers.empty());
     for (AnimationKey& key : lamp.layers["lamp"])
