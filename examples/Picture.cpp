@@ -90,8 +90,8 @@ public:
         }
         ruler(lanes + laneHeight * count());
         text(margin, height - 12, "note",
-             "Colours and numbers are values: two for a Transition, one for a Hold. Dashed: Wait "
-             "or NoValue.");
+             "Values: two for a Transition, one for a Hold; coloured from lowest to highest. "
+             "Dashed: Wait or NoValue.");
         out << "</svg>\n";
     }
 
