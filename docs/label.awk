@@ -7,7 +7,9 @@ FNR == 1 && FILENAME !~ /README/ {
 { print }
 # The pictures of the guide open in the page on which to try the library.
 match($0, /^!\[.*\]\(guide-[0-9]+\.svg\)$/) {
-    name = $0
+    title = name = $0
+    gsub(/^!\[|\].*/, "", title)
     gsub(/.*\(|\.svg\)$/, "", name)
-    print "\n<a class=\"try\" href=\"../index.html#example=" name "\">Try it in the browser</a>"
+    print "\n<a class=\"try\" href=\"../index.html#example=" name "\">Try \"" title \
+        "\" in the browser</a>"
 }

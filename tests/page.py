@@ -54,6 +54,7 @@ const fresh = document.createElement("div");
 fresh.innerHTML = svg;
 fresh.firstChild.pauseAnimations();
 const result = { code: form.querySelector("code").textContent, after, refusal, svg,
+    told: $("told").textContent,
     whole: fresh.innerHTML.replaceAll("\\n", "") === drawn.outerHTML.replaceAll("\\n", "") };
 if (after !== before)
     $("undo").click();
@@ -187,6 +188,8 @@ def test_operations(page, build):
     for result, wanted, (_, line) in zip(results, expected[1:], cases, strict=True):
         expect(result["undone"], f"{line} is not undone")
         expect(result["whole"], f"{line} leaves another picture than it draws")
+        expect(result["told"] in result["svg"] and bool(result["told"]) != bool(result["refusal"]),
+               f"{line}: what is told is {result['told']!r}")
         if wanted["refusal"] == "there are fewer pieces":
             expect(result["refusal"].startswith("there are "), f"{line}: {result['refusal']}")
         else:

@@ -39,7 +39,8 @@ const controls = {
     keepIntro: flag, keepOutro: flag, repeatIntro: flag, repeatOutro: flag,
     name: { type: "text" }, from: { choices: [] }, part: { choices: ["intro", "body", "outro"] },
 };
-const labels = { cuts: "frames", name: "layer", from: "keys of other's layer" };
+const labels = { cuts: "frames", piece: "piece (0 is the first)", name: "layer",
+    from: "keys of other's layer" };
 const picked = ["frame", "start", "cuts"]; // these follow the frame that is shown
 const mostDrawn = 20000, mostLanes = 200; // keys and layers
 const mostInAddress = 50000; // characters
@@ -65,6 +66,12 @@ function tell(id, work) {
     } catch (error) {
         $(id).textContent = error.message;
     }
+}
+
+/// Says something beside what was pressed.
+function say(text, place) {
+    place.append($("told"));
+    $("told").textContent = text;
 }
 
 // ---- The text, and what is drawn of it
@@ -102,6 +109,8 @@ function setText(text, title) {
 }
 
 function readText() {
+    $("told").textContent = "";
+    $("example").value = "";
     $("undo").disabled = now <= 0;
     $("redo").disabled = now >= history.length - 1;
     const read = tell("mistake", () => checked(library.read($("text").value)));
@@ -157,7 +166,8 @@ function draw() {
     $("values").replaceChildren(...names.slice(0, 512).map(name =>
         element("div", {}, element("dt", {}, name), element("dd"))));
     for (const control of document.querySelectorAll("[name=name]"))
-        control.defaultValue = names[0] ?? ""; // until something is typed there
+        if (!names.includes(control.value))
+            control.defaultValue = names[0] ?? ""; // until something is typed there
     writeCodes();
     $("frame").max = Math.max(0, show.frames() - 1);
     goTo(time);
@@ -259,7 +269,7 @@ function makeForm(group, label, code) {
         element("div", { className: "code" }, element("code"), copy));
     form.dataset.code = code;
     form.setAttribute("aria-label", `${label}, ${group.toLowerCase()}`);
-    copy.onclick = () => copyText(form.querySelector("code").textContent, "The line is copied.");
+    copy.onclick = () => copyText(form.querySelector("code").textContent, "Copied.", form);
     form.oninput = () => writeCode(form);
     form.onsubmit = event => {
         event.preventDefault();
@@ -308,6 +318,7 @@ function apply(form) {
     try {
         checked(show[operation](...values));
         setText(checked(show.text()));
+        say(show.measures(), form);
     } catch (error) {
         readText(); // what the text says is what there is
         throw error;
@@ -323,12 +334,12 @@ function save(content, type, ending) {
     setTimeout(() => URL.revokeObjectURL(address), 10000);
 }
 
-async function copyText(text, done) {
+async function copyText(text, done, place) {
     try {
         await navigator.clipboard.writeText(text);
-        $("told").textContent = done;
+        say(done, place);
     } catch {
-        $("told").textContent = `This browser does not let a page copy: ${text}`;
+        say(`This browser does not let a page copy: ${text}`, place);
     }
 }
 
@@ -366,10 +377,11 @@ async function writeAddress() {
 }
 
 async function share() {
+    const place = $("share").parentNode;
     if (await writeAddress())
-        await copyText(location.href, "The link is copied; it holds the whole animation.");
+        await copyText(location.href, "The link is copied; it holds the animation show.", place);
     else
-        $("told").textContent = "The animation is too long for a link: save it instead.";
+        say("The animation is too long for a link: save it instead.", place);
 }
 
 async function readAddress() {
@@ -384,7 +396,7 @@ async function readAddress() {
         setText(new TextDecoder().decode(text), given.get("title") ?? "");
     } catch {
         await openExample("guide-1");
-        $("told").textContent = "The link is not whole; this is an example.";
+        say("The link is not whole; this is an example.", $("share").parentNode);
     }
 }
 
@@ -392,9 +404,9 @@ async function openExample(name) {
     const option = [...$("example").options].find(({ value }) => value && value === name);
     if (!option)
         return openExample("guide-1");
-    $("example").value = name;
     const answer = await fetch(`examples/${name}.json`);
     setText((await answer.text()).trimEnd(), option.text);
+    $("example").value = name;
 }
 
 // ---- What happens when
@@ -429,7 +441,7 @@ async function start() {
     $("save-picture").onclick = () =>
         save(library.picture($("title").value, show), "image/svg+xml", ".svg");
     $("share").onclick = share;
-    $("play").onclick = () => play(!playing);
+    $("play").onclick = () => playing ? pick(Number($("frame").value)) : play(true);
     $("frame").oninput = event => pick(Number(event.target.value));
     $("picture").onpointerdown = $("picture").onpointermove = event => {
         const frame = event.buttons === 1 && drawn ? frameAt(event) : undefined;
