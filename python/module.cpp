@@ -15,6 +15,8 @@
 #include <cmath>
 #include <limits>
 #include <sstream>
+#include <type_traits>
+#include <utility>
 
 namespace py = pybind11;
 using namespace Kiv;
@@ -68,7 +70,14 @@ struct type_caster<Name> {
 
 namespace {
 
-unsigned int whole(const char* name, const Whole& given) {
+// What Python gives, as the value that C++ takes; `name` is that of the argument or the member.
+
+template <class Type>
+const Type& value(const char* /*name*/, const Type& given) {
+    return given;
+}
+
+unsigned int value(const char* name, const Whole& given) {
     int overflow = 0;
     const long long number = PyLong_AsLongLongAndOverflow(given.number.ptr(), &overflow);
     constexpr auto most = std::numeric_limits<unsigned int>::max();
@@ -78,11 +87,11 @@ unsigned int whole(const char* name, const Whole& given) {
     return static_cast<unsigned int>(number);
 }
 
-float real(const char* name, double given) {
-    const auto value = static_cast<float>(given);
-    if (std::isinf(value) && !std::isinf(given))
+float value(const char* name, double given) {
+    const auto nearest = static_cast<float>(given);
+    if (std::isinf(nearest) && !std::isinf(given))
         throw py::value_error(std::string(name) + " has to be within the range of 32-bit floats");
-    return value;
+    return nearest;
 }
 
 /// An object as a C++ value, or TypeError.
@@ -99,13 +108,13 @@ Value taken(py::handle given, const char* needs) {
 AnimationKey key_of(Effect effect, const std::vector<double>& given, unsigned int duration) {
     std::vector<float> args;
     args.reserve(given.size());
-    for (const double value : given)
-        args.push_back(real("args", value));
+    for (const double number : given)
+        args.push_back(value("args", number));
     return {AnimationKeyCommand(effect, args), duration};
 }
 
 AnimationKey key_of(Effect effect, const std::vector<double>& args, const Whole& duration) {
-    return key_of(effect, args, whole("duration", duration));
+    return key_of(effect, args, value("duration", duration));
 }
 
 KeyVector keys_of(const py::object& given) {
@@ -117,7 +126,8 @@ KeyVector keys_of(const py::object& given) {
     return keys;
 }
 
-KeyVector key_or_keys_of(const py::object& given) {
+/// One key or several.
+KeyVector value(const char* /*name*/, const py::object& given) {
     if (py::isinstance<Key>(given))
         return {given.cast<Key&>().get()};
     return keys_of(given);
@@ -148,9 +158,9 @@ Animation animation_of(const py::object& layers, const Whole& introSize, const W
                        std::optional<double> fps) {
     Animation parts(1);
     parts.layers = layers.is_none() ? LayerMap() : layers_of(layers);
-    parts.introSize = whole("intro_size", introSize);
-    parts.outroSize = whole("outro_size", outroSize);
-    parts.fps = fps ? real("fps", *fps) : Animation::defaultFps;
+    parts.introSize = value("intro_size", introSize);
+    parts.outroSize = value("outro_size", outroSize);
+    parts.fps = fps ? value("fps", *fps) : Animation::defaultFps;
     return Animation(parts); // fills and checks, as moving would not
 }
 
@@ -227,10 +237,10 @@ py::object framed_svg(const Animation& animation) {
 
 py::array_t<float> sampled(const Animation& animation, const Whole& start,
                            const std::optional<Whole>& count) {
-    const unsigned int from = whole("start", start);
+    const unsigned int from = value("start", start);
     const unsigned int duration = animation.durationInFrames();
     const unsigned int frames =
-        count ? whole("count", *count) : duration - std::min(from, duration);
+        count ? value("count", *count) : duration - std::min(from, duration);
     if (frames > std::numeric_limits<unsigned int>::max() - from)
         throw py::value_error("start + count has to be less than 4294967296");
     const std::size_t layers = animation.layers.size();
@@ -298,10 +308,52 @@ void derive(const py::object& type, const char* base, std::initializer_list<cons
     from.attr("register")(type);
 }
 
-/// Before an operation that changes any layer, what Python holds of them becomes its own.
-Animation& edited(const SharedAnimation& animation) {
-    Layer::take_keys_out(*animation);
-    return *animation;
+template <class Self, class... Options, class Copy>
+void bind_copies(py::class_<Self, Options...>& type, const Copy& copy) {
+    type.def("__copy__", copy)
+        .def(
+            "__deepcopy__", [copy](Self& self, const py::dict&) { return copy(self); }, "memo"_a);
+}
+
+/// What behaves as a list or a dict is shown, copied and pickled as the one that `copy` gives.
+template <class Self, class... Options, class Copy>
+void bind_as_builtin(py::class_<Self, Options...>& type, const Copy& copy) {
+    bind_copies(type, copy);
+    type.def("__repr__", [copy](Self& self) { return py::repr(copy(self)); })
+        .def("__reduce__", [copy](Self& self) {
+            const auto builtin = copy(self);
+            return py::make_tuple(py::type::of(builtin), py::make_tuple(builtin));
+        });
+}
+
+using AnimationClass = py::class_<Animation, SharedAnimation>;
+
+/// Binds a method that takes what Python gives as `Given`, with the names that its arguments have
+/// there.
+template <class... Given, class Method, class... Names>
+void bind(AnimationClass& type, const char* name, Method method, const char* doc, Names... names) {
+    constexpr bool edits = !std::is_invocable_v<Method, const Animation&,
+                                                decltype(value("", std::declval<Given>()))...>;
+    type.def(
+        name,
+        [=](const SharedAnimation& self, const Given&... given) {
+            const auto call = [&](const auto&... arguments) {
+                if constexpr (edits)
+                    Layer::take_keys_out(*self); // what Python holds of them becomes its own
+                return ((*self).*method)(arguments...);
+            };
+            return call(value(names, given)...);
+        },
+        py::arg(names)..., doc);
+}
+
+/// Binds a member that Python gives as `Given`.
+template <class Given, class Value>
+void bind_member(AnimationClass& type, const char* name, Value Animation::*member,
+                 const char* doc) {
+    type.def_property(
+        name, [=](const Animation& self) { return self.*member; },
+        [=](Animation& self, const Given& given) { self.*member = value(name, given); }, doc);
 }
 
 void bind_keys(py::module_& m) {
@@ -312,13 +364,14 @@ void bind_keys(py::module_& m) {
         .value("Wait", Wait, doc_AnimationKeyCommandEffect_Wait)
         .export_values();
 
-    py::class_<Key, std::shared_ptr<Key>>(
+    py::class_<Key, std::shared_ptr<Key>> type(
         m, "Key", R"(An effect with its arguments and the whole frames that it lasts.
 
 One that is taken from a layer is live: what is set in it is set in the layer, until the key leaves
 the layer, a slice of that is changed, or an operation edits the animation. From then on it is a key
-of its own. Keys are copied into layers.)")
-        .def(py::init([](Effect effect, const std::vector<double>& args, const Whole& duration) {
+of its own. Keys are copied into layers.)");
+    bind_copies(type, [](Key& key) { return std::make_shared<Key>(key.get()); });
+    type.def(py::init([](Effect effect, const std::vector<double>& args, const Whole& duration) {
                  return std::make_shared<Key>(key_of(effect, args, duration));
              }),
              "effect"_a, "args"_a, "duration"_a,
@@ -346,29 +399,25 @@ of its own. Keys are copied into layers.)")
             "duration", [](Key& key) { return key.get().duration; },
             [](Key& key, const Whole& duration) {
                 AnimationKey& place = key.get();
-                place = AnimationKey(place.command, whole("duration", duration));
+                place = AnimationKey(place.command, value("duration", duration));
             },
             doc_AnimationKey_duration)
         .def(
             "split_at",
             [](Key& key, const Whole& frame) {
-                return list_of(key.get().splitAt(whole("frame", frame)));
+                return list_of(key.get().splitAt(value("frame", frame)));
             },
             "frame"_a, doc_AnimationKey_splitAt)
         .def(
             "split_each",
             [](Key& key, const Whole& step) {
-                return list_of(key.get().splitEach(whole("step", step)));
+                return list_of(key.get().splitEach(value("step", step)));
             },
             "step"_a, doc_AnimationKey_splitEach)
         .def(
             "__eq__", [](Key& a, Key& b) { return a.get() == b.get(); }, py::is_operator())
         .def("__repr__", [](Key& key) { return repr(key.get()); })
         .def("__str__", [](Key& key) { return str(key.get()); })
-        .def("__copy__", [](Key& key) { return std::make_shared<Key>(key.get()); })
-        .def(
-            "__deepcopy__",
-            [](Key& key, const py::dict&) { return std::make_shared<Key>(key.get()); }, "memo"_a)
         .def(py::pickle(
             [](Key& key) {
                 const auto& [command, duration] = key.get();
@@ -386,6 +435,7 @@ void bind_layers(py::module_& m) {
     py::class_<Layer, std::shared_ptr<Layer>> list(m, "Layer", R"(The keys of a layer, as a list.
 
 What is changed in it is changed in the animation, as long as the layer is there.)");
+    bind_as_builtin(list, [](Layer& layer) { return list_of(layer.keys()); });
     list.def("__len__", [](Layer& layer) { return layer.keys().size(); })
         .def("__getitem__",
              [](Layer& layer, py::ssize_t index) {
@@ -428,22 +478,12 @@ What is changed in it is changed in the animation, as long as the layer is there
                 layer.insert(static_cast<std::size_t>(index), key.get());
             },
             "index"_a, "value"_a, "Inserts a key before the one of that index.")
-        .def("__eq__",
-             [](Layer& layer, const py::object& other) -> py::object {
-                 if (py::isinstance<Layer>(other))
-                     return py::bool_(layer.keys() == other.cast<Layer&>().keys());
-                 if (py::isinstance<py::list>(other))
-                     return py::bool_(py::list(py::cast(&layer)).equal(other));
-                 return py::reinterpret_borrow<py::object>(Py_NotImplemented);
-             })
-        .def("__repr__", [](Layer& layer) { return py::repr(list_of(layer.keys())); })
-        .def("__copy__", [](Layer& layer) { return list_of(layer.keys()); })
-        .def(
-            "__deepcopy__", [](Layer& layer, const py::dict&) { return list_of(layer.keys()); },
-            "memo"_a)
-        .def("__reduce__", [](Layer& layer) {
-            return py::make_tuple(py::module_::import("builtins").attr("list"),
-                                  py::make_tuple(list_of(layer.keys())));
+        .def("__eq__", [](Layer& layer, const py::object& other) -> py::object {
+            if (py::isinstance<Layer>(other))
+                return py::bool_(layer.keys() == other.cast<Layer&>().keys());
+            if (py::isinstance<py::list>(other))
+                return py::bool_(py::list(py::cast(&layer)).equal(other));
+            return py::reinterpret_borrow<py::object>(Py_NotImplemented);
         });
     derive(list, "MutableSequence",
            {"__iter__", "__contains__", "__reversed__", "__iadd__", "index", "count", "append",
@@ -452,40 +492,27 @@ What is changed in it is changed in the animation, as long as the layer is there
     py::class_<Layers> dict(m, "Layers", R"(The layers of an animation, as a dict.
 
 What is changed in it is changed in the animation. Names are in byte-wise order.)");
+    bind_as_builtin(dict, [](Layers& layers) { return dict_of(layers.animation->layers); });
     dict.def("__len__", [](const Layers& layers) { return layers.animation->layers.size(); })
         .def("__getitem__", [](const Layers& layers, const Name& name) { return layers.get(name); })
         .def("__setitem__", [](const Layers& layers, const Name& name,
                                const py::object& keys) { layers.set(name, keys); })
         .def("__delitem__", [](const Layers& layers, const Name& name) { layers.erase(name); })
-        .def("__iter__", [](const Layers& layers) { return py::iter(layers.names()); })
-        .def("__repr__",
-             [](const Layers& layers) { return py::repr(dict_of(layers.animation->layers)); })
-        .def("__copy__", [](const Layers& layers) { return dict_of(layers.animation->layers); })
-        .def(
-            "__deepcopy__",
-            [](const Layers& layers, const py::dict&) { return dict_of(layers.animation->layers); },
-            "memo"_a)
-        .def("__reduce__", [](const Layers& layers) {
-            return py::make_tuple(py::module_::import("builtins").attr("dict"),
-                                  py::make_tuple(dict_of(layers.animation->layers)));
-        });
+        .def("__iter__", [](const Layers& layers) { return py::iter(layers.names()); });
     derive(dict, "MutableMapping",
            {"__contains__", "__eq__", "keys", "items", "values", "get", "pop", "popitem", "clear",
             "update", "setdefault"});
 }
 
-using AnimationClass = py::class_<Animation, SharedAnimation>;
-
 void bind_questions(AnimationClass& animation) {
+    bind<Name>(animation, "has_layer", &Animation::hasLayer, doc_Animation_hasLayer, "name");
+    bind<double>(animation, "simulated_duration_in_seconds", &Animation::simulatedDurationInSeconds,
+                 doc_Animation_simulatedDurationInSeconds, "fps");
     animation
         .def(
             "layer",
             [](const Animation& self, const Name& name) { return list_of(self.layer(name)); },
             "name"_a, doc_Animation_layer)
-        .def(
-            "has_layer",
-            [](const Animation& self, const Name& name) { return self.hasLayer(name); }, "name"_a,
-            doc_Animation_hasLayer)
         .def("empty", &Animation::empty, doc_Animation_empty)
         .def("duration_in_frames", py::overload_cast<>(&Animation::durationInFrames, py::const_),
              doc_Animation_durationInFrames)
@@ -499,12 +526,6 @@ void bind_questions(AnimationClass& animation) {
             "layers"_a, "Frames of the longest of `layers`, or of one layer; 0 without keys.")
         .def("outro_start_frame", &Animation::outroStartFrame, doc_Animation_outroStartFrame)
         .def("duration_in_seconds", &Animation::durationInSeconds, doc_Animation_durationInSeconds)
-        .def(
-            "simulated_duration_in_seconds",
-            [](const Animation& self, double fps) {
-                return self.simulatedDurationInSeconds(real("fps", fps));
-            },
-            "fps"_a, doc_Animation_simulatedDurationInSeconds)
         .def("sample", sampled, "start"_a = 0, "count"_a = py::none(),
              R"(The values as numpy.float32, a row for each frame and a column for each layer.
 
@@ -513,70 +534,32 @@ layer, cut there, begins with; NaN where there is none: on a Wait, a NoValue and
 }
 
 void bind_edits(AnimationClass& animation) {
+    using Keys = void (Animation::*)(const std::string&, const KeyVector&);
+    using KeysAt = void (Animation::*)(const std::string&, const KeyVector&, unsigned int);
+    bind<Name, Whole>(animation, "fill_in_layer", &Animation::fillInLayer,
+                      doc_Animation_fillInLayer, "name", "frames");
+    bind<Name, py::object, Whole>(animation, "insert_in_layer", KeysAt(&Animation::insertInLayer),
+                                  doc_Animation_insertInLayer, "name", "keys", "frame");
+    bind<Name, py::object>(animation, "push_back_in_layer", Keys(&Animation::pushBackInLayer),
+                           doc_Animation_pushBackInLayer, "name", "keys");
+    bind<Name, Whole, Whole>(animation, "remove_in_layer", &Animation::removeInLayer,
+                             doc_Animation_removeInLayer, "name", "start", "count");
+    bind<Name, py::object, Whole>(animation, "override_layer_with",
+                                  KeysAt(&Animation::overrideLayerWith),
+                                  doc_Animation_overrideLayerWith, "name", "keys", "frame");
+    bind<Animation, Whole>(animation, "insert", &Animation::insert, doc_Animation_insert, "other",
+                           "frame");
+    bind<Animation, bool, bool>(animation, "push_back", &Animation::pushBack,
+                                doc_Animation_pushBack, "other", "keep_outro", "keep_intro");
+    bind<Whole, Whole>(animation, "remove", &Animation::remove, doc_Animation_remove, "start",
+                       "count");
+    bind<Animation, Whole>(animation, "override_layers_with", &Animation::overrideLayersWith,
+                           doc_Animation_overrideLayersWith, "other", "frame");
     animation
-        .def(
-            "fill_in_layer",
-            [](const SharedAnimation& self, const Name& name, const Whole& frames) {
-                edited(self).fillInLayer(name, whole("frames", frames));
-            },
-            "name"_a, "frames"_a, doc_Animation_fillInLayer)
-        .def(
-            "insert_in_layer",
-            [](const SharedAnimation& self, const Name& name, const py::object& keys,
-               const Whole& frame) {
-                const KeyVector copies = key_or_keys_of(keys);
-                edited(self).insertInLayer(name, copies, whole("frame", frame));
-            },
-            "name"_a, "keys"_a, "frame"_a, doc_Animation_insertInLayer)
-        .def(
-            "push_back_in_layer",
-            [](const SharedAnimation& self, const Name& name, const py::object& keys) {
-                const KeyVector copies = key_or_keys_of(keys);
-                edited(self).pushBackInLayer(name, copies);
-            },
-            "name"_a, "keys"_a, doc_Animation_pushBackInLayer)
-        .def(
-            "remove_in_layer",
-            [](const SharedAnimation& self, const Name& name, const Whole& start,
-               const Whole& count) {
-                edited(self).removeInLayer(name, whole("start", start), whole("count", count));
-            },
-            "name"_a, "start"_a, "count"_a, doc_Animation_removeInLayer)
-        .def(
-            "override_layer_with",
-            [](const SharedAnimation& self, const Name& name, const py::object& keys,
-               const Whole& frame) {
-                const KeyVector copies = key_or_keys_of(keys);
-                edited(self).overrideLayerWith(name, copies, whole("frame", frame));
-            },
-            "name"_a, "keys"_a, "frame"_a, doc_Animation_overrideLayerWith)
-        .def(
-            "insert",
-            [](const SharedAnimation& self, const Animation& other, const Whole& frame) {
-                edited(self).insert(other, whole("frame", frame));
-            },
-            "other"_a, "frame"_a, doc_Animation_insert)
-        .def(
-            "push_back",
-            [](const SharedAnimation& self, const Animation& other, bool keepOutro,
-               bool keepIntro) { edited(self).pushBack(other, keepOutro, keepIntro); },
-            "other"_a, "keep_outro"_a, "keep_intro"_a, doc_Animation_pushBack)
-        .def(
-            "remove",
-            [](const SharedAnimation& self, const Whole& start, const Whole& count) {
-                edited(self).remove(whole("start", start), whole("count", count));
-            },
-            "start"_a, "count"_a, doc_Animation_remove)
-        .def(
-            "override_layers_with",
-            [](const SharedAnimation& self, const Animation& other, const Whole& frame) {
-                edited(self).overrideLayersWith(other, whole("frame", frame));
-            },
-            "other"_a, "frame"_a, doc_Animation_overrideLayersWith)
         .def(
             "set_fps_to_fit_duration_in_seconds",
             [](Animation& self, double seconds) {
-                self.setFPSToFitDurationInSeconds(real("seconds", seconds));
+                self.setFPSToFitDurationInSeconds(value("seconds", seconds));
             },
             "seconds"_a, doc_Animation_setFPSToFitDurationInSeconds)
         .def(
@@ -589,6 +572,10 @@ void bind_edits(AnimationClass& animation) {
 }
 
 void bind_results(AnimationClass& animation) {
+    bind<Whole, bool, bool>(animation, "loop", &Animation::loop, doc_Animation_loop, "count",
+                            "repeat_intro", "repeat_outro");
+    bind<Whole, bool, bool>(animation, "split_each", &Animation::splitEach, doc_Animation_splitEach,
+                            "step", "keep_intro", "keep_outro");
     animation
         .def(
             "intro_body_outro_layers",
@@ -602,29 +589,17 @@ void bind_results(AnimationClass& animation) {
             "The layers of the intro, of the body and of the outro, three dicts. Keys across the "
             "intro's end or the outro's start are cut there.")
         .def(
-            "loop",
-            [](const Animation& self, const Whole& count, bool repeatIntro, bool repeatOutro) {
-                return self.loop(whole("count", count), repeatIntro, repeatOutro);
-            },
-            "count"_a, "repeat_intro"_a, "repeat_outro"_a, doc_Animation_loop)
-        .def(
             "split_at",
             [](const Animation& self, const py::object& frames, bool keepIntro, bool keepOutro) {
                 if (PyIndex_Check(frames.ptr()) != 0)
-                    return self.splitAt(whole("frames", frames.cast<Whole>()), keepIntro,
+                    return self.splitAt(value("frames", frames.cast<Whole>()), keepIntro,
                                         keepOutro);
                 std::set<unsigned int> cuts;
                 for (const py::handle frame : frames)
-                    cuts.insert(whole("frames", taken<Whole>(frame, "an int")));
+                    cuts.insert(value("frames", taken<Whole>(frame, "an int")));
                 return self.splitAt(std::move(cuts), keepIntro, keepOutro);
             },
             "frames"_a, "keep_intro"_a, "keep_outro"_a, doc_Animation_splitAt)
-        .def(
-            "split_each",
-            [](const Animation& self, const Whole& step, bool keepIntro, bool keepOutro) {
-                return self.splitEach(whole("step", step), keepIntro, keepOutro);
-            },
-            "step"_a, "keep_intro"_a, "keep_outro"_a, doc_Animation_splitEach)
         .def("to_json", animation_to_json, "The animation as a text in JSON, a key a line.")
         .def_static(
             "from_json", [](const std::string& text) { return animation_from_json(text); },
@@ -639,6 +614,10 @@ void bind_results(AnimationClass& animation) {
 }
 
 void bind_values(AnimationClass& animation) {
+    bind_member<Whole>(animation, "intro_size", &Animation::introSize, doc_Animation_introSize);
+    bind_member<Whole>(animation, "outro_size", &Animation::outroSize, doc_Animation_outroSize);
+    bind_member<double>(animation, "fps", &Animation::fps, doc_Animation_fps);
+    bind_copies(animation, [](const Animation& self) { return same(self); });
     animation
         .def(py::init(&animation_of), "layers"_a = py::none(), "intro_size"_a = 0,
              "outro_size"_a = 0, "fps"_a = py::none(),
@@ -646,7 +625,7 @@ void bind_values(AnimationClass& animation) {
              "and checks.")
         .def_property_static(
             "default_fps", [](const py::object&) { return Animation::defaultFps; },
-            [](const py::object&, double fps) { Animation::defaultFps = real("fps", fps); },
+            [](const py::object&, double fps) { Animation::defaultFps = value("fps", fps); },
             doc_Animation_defaultFps)
         .def_property(
             "layers", [](const SharedAnimation& self) { return Layers{self}; },
@@ -658,37 +637,23 @@ void bind_values(AnimationClass& animation) {
                 self->layers = std::move(replacement);
             },
             doc_Animation_layers)
-        .def_property(
-            "intro_size", [](const Animation& self) { return self.introSize; },
-            [](Animation& self, const Whole& size) { self.introSize = whole("intro_size", size); },
-            doc_Animation_introSize)
-        .def_property(
-            "outro_size", [](const Animation& self) { return self.outroSize; },
-            [](Animation& self, const Whole& size) { self.outroSize = whole("outro_size", size); },
-            doc_Animation_outroSize)
-        .def_property(
-            "fps", [](const Animation& self) { return self.fps; },
-            [](Animation& self, double fps) { self.fps = real("fps", fps); }, doc_Animation_fps)
         .def(
             "__eq__", [](const Animation& a, const Animation& b) { return a == b; },
             py::is_operator())
         .def("__repr__", [](const Animation& self) { return repr(self); })
         .def("__str__", str<Animation>)
-        .def("__copy__", [](const Animation& self) { return same(self); })
-        .def(
-            "__deepcopy__", [](const Animation& self, const py::dict&) { return same(self); },
-            "memo"_a)
         .def(py::pickle([](const Animation& self) { return animation_to_json(self); },
                         [](const std::string& state) { return animation_from_json(state); }));
 }
 
 void bind_rotation(py::module_& m) {
-    py::class_<Rotation, Animation, std::shared_ptr<Rotation>>(m, "Rotation", doc_Rotation)
-        .def(py::init([](double pulse, double rest, const Whole& rise, const Whole& fall,
+    py::class_<Rotation, Animation, std::shared_ptr<Rotation>> type(m, "Rotation", doc_Rotation);
+    bind_copies(type, [](const Rotation& self) { return same(self); });
+    type.def(py::init([](double pulse, double rest, const Whole& rise, const Whole& fall,
                          const Whole& step) {
-                 return Rotation(real("pulse_value", pulse), real("rest_value", rest),
-                                 whole("rise_duration", rise), whole("fall_duration", fall),
-                                 whole("step_duration", step));
+                 return Rotation(value("pulse_value", pulse), value("rest_value", rest),
+                                 value("rise_duration", rise), value("fall_duration", fall),
+                                 value("step_duration", step));
              }),
              "pulse_value"_a, "rest_value"_a, "rise_duration"_a, "fall_duration"_a,
              "step_duration"_a, doc_Rotation_Rotation)
@@ -701,10 +666,6 @@ void bind_rotation(py::module_& m) {
             "__eq__", [](const Rotation& a, const Rotation& b) { return a == b; },
             py::is_operator())
         .def("__repr__", [](const Rotation& self) { return repr(self); })
-        .def("__copy__", [](const Rotation& self) { return same(self); })
-        .def(
-            "__deepcopy__", [](const Rotation& self, const py::dict&) { return same(self); },
-            "memo"_a)
         .def(py::pickle(
             [](const Rotation& self) {
                 return py::make_tuple(self.pulseValue, self.restValue, self.riseDuration,
