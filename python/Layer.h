@@ -26,8 +26,14 @@ public:
     /// Ends the tie of what is held to the animation: layers with what they hold now, keys
     /// likewise.
     static void take_all_out(const Kiv::Animation& animation);
-    /// Ends the tie of the keys that are held to their layers, which stay in the animation.
-    static void take_keys_out(const Kiv::Animation& animation);
+    /// Makes an edit of the animation. When it has succeeded, the keys that are held are what they
+    /// were before it, and of their own; the layers stay in the animation.
+    template <class Edit>
+    static void edit(const Kiv::Animation& animation, const Edit& make) {
+        for_each_of(animation, [](Layer& layer) { layer.note_keys(); });
+        make();
+        for_each_of(animation, [](Layer& layer) { layer.release_keys(); });
+    }
 
     ~Layer();
 
@@ -55,7 +61,8 @@ private:
 
     Layer(SharedAnimation animation, std::string name)
         : animation(std::move(animation)), name(std::move(name)) {}
-    void take_keys_out();
+    void note_keys();
+    void release_keys();
     Taken::iterator move_taken(Taken::iterator from, Taken::iterator after, std::size_t index);
 
     /// All that are in an animation. Python lets one thread at a time come here.
@@ -102,13 +109,17 @@ private:
 
     void take_out() {
         own = get();
+        release();
+    }
+    /// Makes it the key that was noted in `own`.
+    void release() {
         layer->taken.erase(index);
         layer.reset();
     }
 
     std::shared_ptr<Layer> layer; ///< None if the key is its own.
     std::size_t index = 0;
-    Kiv::AnimationKey own;
+    Kiv::AnimationKey own; ///< While it is in a layer, anything.
 };
 
 inline std::shared_ptr<Layer> Layer::of(const SharedAnimation& animation, const std::string& name) {
@@ -130,13 +141,14 @@ inline void Layer::take_all_out(const Kiv::Animation& animation) {
     for_each_of(animation, [](Layer& layer) { layer.take_out(); });
 }
 
-inline void Layer::take_keys_out(const Kiv::Animation& animation) {
-    for_each_of(animation, [](Layer& layer) { layer.take_keys_out(); });
+inline void Layer::note_keys() {
+    for (const auto& [index, key] : taken)
+        key->own = key->get();
 }
 
-inline void Layer::take_keys_out() {
+inline void Layer::release_keys() {
     while (!taken.empty())
-        taken.begin()->second->take_out();
+        taken.begin()->second->release();
 }
 
 inline void Layer::take_out() {
@@ -186,6 +198,7 @@ inline Layer::Taken::iterator Layer::move_taken(Taken::iterator from, Taken::ite
 }
 
 inline void Layer::replace_all(Kiv::KeyVector replacement) {
-    take_keys_out();
+    note_keys();
+    release_keys();
     keys() = std::move(replacement);
 }

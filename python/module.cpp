@@ -31,7 +31,12 @@ struct Whole {
     py::object number;
 };
 
-/// The name of a layer: a str, and no bytes.
+/// One key or any iterable of them.
+struct KeyOrKeys {
+    py::object given;
+};
+
+/// The name of a layer or another text: a str, and no bytes.
 struct Name {
     std::string text;
     operator const std::string&() const { return text; }
@@ -51,6 +56,15 @@ struct type_caster<Whole> {
         if (!value.number)
             PyErr_Clear();
         return static_cast<bool>(value.number);
+    }
+};
+
+template <>
+struct type_caster<KeyOrKeys> {
+    PYBIND11_TYPE_CASTER(KeyOrKeys, const_name("Union[Key, Iterable[Key]]"));
+    bool load(handle source, bool /*convert*/) {
+        value.given = reinterpret_borrow<object>(source);
+        return true;
     }
 };
 
@@ -98,11 +112,12 @@ float value(const char* name, double given) {
 template <class Value>
 Value taken(py::handle given, const char* needs) {
     try {
-        return given.cast<Value>();
-    } catch (const py::cast_error&) {
-        throw py::type_error(std::string("needs ") + needs + ", not " +
-                             py::repr(py::type::of(given)).cast<std::string>());
+        if (!given.is_none())
+            return given.cast<Value>();
+    } catch (const py::cast_error&) { // is told below
     }
+    throw py::type_error(std::string("needs ") + needs + ", not " +
+                         py::repr(py::type::of(given)).cast<std::string>());
 }
 
 AnimationKey key_of(Effect effect, const std::vector<double>& given, unsigned int duration) {
@@ -126,11 +141,10 @@ KeyVector keys_of(const py::object& given) {
     return keys;
 }
 
-/// One key or several.
-KeyVector value(const char* /*name*/, const py::object& given) {
-    if (py::isinstance<Key>(given))
-        return {given.cast<Key&>().get()};
-    return keys_of(given);
+KeyVector value(const char* /*name*/, const KeyOrKeys& keys) {
+    if (py::isinstance<Key>(keys.given))
+        return {keys.given.cast<Key&>().get()};
+    return keys_of(keys.given);
 }
 
 py::list list_of(const KeyVector& keys) {
@@ -180,6 +194,8 @@ Rotation same(const Rotation& rotation) {
     return copy;
 }
 
+constexpr std::size_t mostShown = 100; ///< Keys.
+
 template <class Type>
 std::string str(const Type& value) {
     std::ostringstream text;
@@ -206,7 +222,7 @@ std::string repr(const AnimationKey& key) {
 
 std::string repr(const Animation& animation) {
     const std::string fps = repr(animation.fps);
-    if (count_keys(animation.layers) > 100)
+    if (count_keys(animation.layers) > mostShown)
         return "<Animation of " + std::to_string(animation.layers.size()) + " layers, " +
                std::to_string(animation.durationInFrames()) + " frames at " + fps + " fps>";
     return "Animation(" + py::repr(dict_of(animation.layers)).cast<std::string>() +
@@ -244,6 +260,7 @@ py::array_t<float> sampled(const Animation& animation, const Whole& start,
     if (frames > std::numeric_limits<unsigned int>::max() - from)
         throw py::value_error("start + count has to be less than 4294967296");
     const std::size_t layers = animation.layers.size();
+    py::module_::import("numpy"); // else threads that do it together wait for each other
     if (layers > 0 && frames > std::size_t{std::numeric_limits<std::ptrdiff_t>::max()} / 4 / layers)
         throw std::bad_alloc();
     py::array_t<float> values({std::size_t{frames}, layers});
@@ -253,8 +270,10 @@ py::array_t<float> sampled(const Animation& animation, const Whole& start,
 }
 
 /// The index in a list of `size` that Python's one is.
-std::size_t index_in(std::size_t size, py::ssize_t index) {
+std::size_t index_in(std::size_t size, const Whole& given) {
     const auto end = static_cast<py::ssize_t>(size);
+    py::ssize_t index =
+        PyNumber_AsSsize_t(given.number.ptr(), nullptr); // the nearest that there is
     if (index < 0)
         index += end;
     if (index < 0 || index >= end)
@@ -308,6 +327,23 @@ void derive(const py::object& type, const char* base, std::initializer_list<cons
     from.attr("register")(type);
 }
 
+/// Lets every protocol pickle what py::pickle alone lets some do.
+template <class Class>
+void bind_reduce(Class& type) {
+    type.def("__reduce__", [](const py::object& self) {
+        return py::make_tuple(py::module_::import("copyreg").attr("__newobj__"),
+                              py::make_tuple(py::type::of(self)), self.attr("__getstate__")());
+    });
+}
+
+/// Refuses what a subclass may try: to use an object before its constructor has run.
+template <class Type>
+void refuse_unmade() {
+    py::detail::get_type_info(typeid(Type))->operator_new = [](std::size_t /*size*/) -> void* {
+        throw py::type_error("super().__init__() has to be called first");
+    };
+}
+
 template <class Self, class... Options, class Copy>
 void bind_copies(py::class_<Self, Options...>& type, const Copy& copy) {
     type.def("__copy__", copy)
@@ -316,10 +352,15 @@ void bind_copies(py::class_<Self, Options...>& type, const Copy& copy) {
 }
 
 /// What behaves as a list or a dict is shown, copied and pickled as the one that `copy` gives.
-template <class Self, class... Options, class Copy>
-void bind_as_builtin(py::class_<Self, Options...>& type, const Copy& copy) {
+/// Where `count` gives more keys than people read, it is shown by their number.
+template <class Self, class... Options, class Copy, class Count>
+void bind_as_builtin(py::class_<Self, Options...>& type, const Copy& copy, const Count& count) {
     bind_copies(type, copy);
-    type.def("__repr__", [copy](Self& self) { return py::repr(copy(self)); })
+    type.def("__repr__",
+             [copy, count](Self& self) {
+                 const std::size_t keys = count(self);
+                 return keys > mostShown ? py::str("<{} keys>").format(keys) : py::repr(copy(self));
+             })
         .def("__reduce__", [copy](Self& self) {
             const auto builtin = copy(self);
             return py::make_tuple(py::type::of(builtin), py::make_tuple(builtin));
@@ -339,8 +380,9 @@ void bind(AnimationClass& type, const char* name, Method method, const char* doc
         [=](const SharedAnimation& self, const Given&... given) {
             const auto call = [&](const auto&... arguments) {
                 if constexpr (edits)
-                    Layer::take_keys_out(*self); // what Python holds of them becomes its own
-                return ((*self).*method)(arguments...);
+                    Layer::edit(*self, [&] { ((*self).*method)(arguments...); });
+                else
+                    return ((*self).*method)(arguments...);
             };
             return call(value(names, given)...);
         },
@@ -357,8 +399,9 @@ void bind_member(AnimationClass& type, const char* name, Value Animation::*membe
 }
 
 void bind_keys(py::module_& m) {
-    py::enum_<Effect>(m, "Effect", doc_AnimationKeyCommandEffect)
-        .value("Transition", Transition, doc_AnimationKeyCommandEffect_Transition)
+    py::enum_<Effect> effect(m, "Effect", doc_AnimationKeyCommandEffect);
+    bind_reduce(effect);
+    effect.value("Transition", Transition, doc_AnimationKeyCommandEffect_Transition)
         .value("Hold", Hold, doc_AnimationKeyCommandEffect_Hold)
         .value("NoValue", NoValue, doc_AnimationKeyCommandEffect_NoValue)
         .value("Wait", Wait, doc_AnimationKeyCommandEffect_Wait)
@@ -369,7 +412,11 @@ void bind_keys(py::module_& m) {
 
 One that is taken from a layer is live: what is set in it is set in the layer, until the key leaves
 the layer, a slice of that is changed, or an operation edits the animation. From then on it is a key
-of its own. Keys are copied into layers.)");
+of its own. Keys are copied into layers.
+
+Arguments are 32-bit floats: two for Transition, one for Hold, none for the other effects. To change
+the effect and the arguments together, put another key in its place: `layer[0] = Key(Hold, [1], 5)`.)");
+    bind_reduce(type);
     bind_copies(type, [](Key& key) { return std::make_shared<Key>(key.get()); });
     type.def(py::init([](Effect effect, const std::vector<double>& args, const Whole& duration) {
                  return std::make_shared<Key>(key_of(effect, args, duration));
@@ -435,10 +482,12 @@ void bind_layers(py::module_& m) {
     py::class_<Layer, std::shared_ptr<Layer>> list(m, "Layer", R"(The keys of a layer, as a list.
 
 What is changed in it is changed in the animation, as long as the layer is there.)");
-    bind_as_builtin(list, [](Layer& layer) { return list_of(layer.keys()); });
+    bind_as_builtin(
+        list, [](Layer& layer) { return list_of(layer.keys()); },
+        [](Layer& layer) { return layer.keys().size(); });
     list.def("__len__", [](Layer& layer) { return layer.keys().size(); })
         .def("__getitem__",
-             [](Layer& layer, py::ssize_t index) {
+             [](Layer& layer, const Whole& index) {
                  return layer.take(index_in(layer.keys().size(), index));
              })
         .def("__getitem__",
@@ -451,7 +500,7 @@ What is changed in it is changed in the animation, as long as the layer is there
                  return keys;
              })
         .def("__setitem__",
-             [](Layer& layer, py::ssize_t index, Key& key) {
+             [](Layer& layer, const Whole& index, Key& key) {
                  layer.replace(index_in(layer.keys().size(), index), key.get());
              })
         .def("__setitem__",
@@ -462,7 +511,7 @@ What is changed in it is changed in the animation, as long as the layer is there
                  });
              })
         .def("__delitem__",
-             [](Layer& layer, py::ssize_t index) {
+             [](Layer& layer, const Whole& index) {
                  layer.erase(index_in(layer.keys().size(), index));
              })
         .def("__delitem__",
@@ -472,8 +521,9 @@ What is changed in it is changed in the animation, as long as the layer is there
              })
         .def(
             "insert",
-            [](Layer& layer, py::ssize_t index, Key& key) {
+            [](Layer& layer, const Whole& given, Key& key) {
                 const auto end = static_cast<py::ssize_t>(layer.keys().size());
+                py::ssize_t index = PyNumber_AsSsize_t(given.number.ptr(), nullptr);
                 index = std::clamp<py::ssize_t>(index < 0 ? index + end : index, 0, end);
                 layer.insert(static_cast<std::size_t>(index), key.get());
             },
@@ -492,16 +542,30 @@ What is changed in it is changed in the animation, as long as the layer is there
     py::class_<Layers> dict(m, "Layers", R"(The layers of an animation, as a dict.
 
 What is changed in it is changed in the animation. Names are in byte-wise order.)");
-    bind_as_builtin(dict, [](Layers& layers) { return dict_of(layers.animation->layers); });
+    bind_as_builtin(
+        dict, [](Layers& layers) { return dict_of(layers.animation->layers); },
+        [](Layers& layers) { return count_keys(layers.animation->layers); });
     dict.def("__len__", [](const Layers& layers) { return layers.animation->layers.size(); })
         .def("__getitem__", [](const Layers& layers, const Name& name) { return layers.get(name); })
+        .def("__getitem__",
+             [](const Layers&, const py::object& other) -> py::object {
+                 throw py::key_error(py::repr(other).cast<std::string>());
+             })
+        .def(
+            "setdefault",
+            [](const Layers& layers, const Name& name, const py::object& keys) {
+                if (!layers.animation->hasLayer(name))
+                    layers.set(name, keys);
+                return layers.get(name);
+            },
+            "name"_a, "keys"_a = py::tuple(), "The layer, created with `keys` if it is missing.")
         .def("__setitem__", [](const Layers& layers, const Name& name,
                                const py::object& keys) { layers.set(name, keys); })
         .def("__delitem__", [](const Layers& layers, const Name& name) { layers.erase(name); })
         .def("__iter__", [](const Layers& layers) { return py::iter(layers.names()); });
     derive(dict, "MutableMapping",
            {"__contains__", "__eq__", "keys", "items", "values", "get", "pop", "popitem", "clear",
-            "update", "setdefault"});
+            "update", "_MutableMapping__marker"}); // the last one stands for no default
 }
 
 void bind_questions(AnimationClass& animation) {
@@ -529,6 +593,7 @@ void bind_questions(AnimationClass& animation) {
         .def("sample", sampled, "start"_a = 0, "count"_a = py::none(),
              R"(The values as numpy.float32, a row for each frame and a column for each layer.
 
+Columns are in the order of `layers`, byte-wise by name: "10" comes before "9", "blue" before "red".
 Takes the frames from `start` on, `count` of them or all. The value on a frame is the one that the
 layer, cut there, begins with; NaN where there is none: on a Wait, a NoValue and past the end.)");
 }
@@ -538,15 +603,15 @@ void bind_edits(AnimationClass& animation) {
     using KeysAt = void (Animation::*)(const std::string&, const KeyVector&, unsigned int);
     bind<Name, Whole>(animation, "fill_in_layer", &Animation::fillInLayer,
                       doc_Animation_fillInLayer, "name", "frames");
-    bind<Name, py::object, Whole>(animation, "insert_in_layer", KeysAt(&Animation::insertInLayer),
-                                  doc_Animation_insertInLayer, "name", "keys", "frame");
-    bind<Name, py::object>(animation, "push_back_in_layer", Keys(&Animation::pushBackInLayer),
-                           doc_Animation_pushBackInLayer, "name", "keys");
+    bind<Name, KeyOrKeys, Whole>(animation, "insert_in_layer", KeysAt(&Animation::insertInLayer),
+                                 doc_Animation_insertInLayer, "name", "keys", "frame");
+    bind<Name, KeyOrKeys>(animation, "push_back_in_layer", Keys(&Animation::pushBackInLayer),
+                          doc_Animation_pushBackInLayer, "name", "keys");
     bind<Name, Whole, Whole>(animation, "remove_in_layer", &Animation::removeInLayer,
                              doc_Animation_removeInLayer, "name", "start", "count");
-    bind<Name, py::object, Whole>(animation, "override_layer_with",
-                                  KeysAt(&Animation::overrideLayerWith),
-                                  doc_Animation_overrideLayerWith, "name", "keys", "frame");
+    bind<Name, KeyOrKeys, Whole>(animation, "override_layer_with",
+                                 KeysAt(&Animation::overrideLayerWith),
+                                 doc_Animation_overrideLayerWith, "name", "keys", "frame");
     bind<Animation, Whole>(animation, "insert", &Animation::insert, doc_Animation_insert, "other",
                            "frame");
     bind<Animation, bool, bool>(animation, "push_back", &Animation::pushBack,
@@ -591,9 +656,10 @@ void bind_results(AnimationClass& animation) {
         .def(
             "split_at",
             [](const Animation& self, const py::object& frames, bool keepIntro, bool keepOutro) {
-                if (PyIndex_Check(frames.ptr()) != 0)
-                    return self.splitAt(value("frames", frames.cast<Whole>()), keepIntro,
-                                        keepOutro);
+                py::detail::make_caster<Whole> one;
+                if (one.load(frames, false))
+                    return self.splitAt(value("frames", py::detail::cast_op<Whole&>(one)),
+                                        keepIntro, keepOutro);
                 std::set<unsigned int> cuts;
                 for (const py::handle frame : frames)
                     cuts.insert(value("frames", taken<Whole>(frame, "an int")));
@@ -602,8 +668,7 @@ void bind_results(AnimationClass& animation) {
             "frames"_a, "keep_intro"_a, "keep_outro"_a, doc_Animation_splitAt)
         .def("to_json", animation_to_json, "The animation as a text in JSON, a key a line.")
         .def_static(
-            "from_json", [](const std::string& text) { return animation_from_json(text); },
-            "text"_a,
+            "from_json", [](const Name& text) { return animation_from_json(text.text); }, "text"_a,
             "The animation that a text in JSON describes. Raises ValueError, with the place and "
             "what is wrong there, if it describes none.")
         .def(
@@ -617,11 +682,13 @@ void bind_values(AnimationClass& animation) {
     bind_member<Whole>(animation, "intro_size", &Animation::introSize, doc_Animation_introSize);
     bind_member<Whole>(animation, "outro_size", &Animation::outroSize, doc_Animation_outroSize);
     bind_member<double>(animation, "fps", &Animation::fps, doc_Animation_fps);
+    bind_reduce(animation);
     bind_copies(animation, [](const Animation& self) { return same(self); });
     animation
         .def(py::init(&animation_of), "layers"_a = py::none(), "intro_size"_a = 0,
              "outro_size"_a = 0, "fps"_a = py::none(),
-             "Copies of `layers`, at `default_fps` frames per second unless `fps` is given. Fills "
+             "Copies of `layers`, a dict of iterables of keys, at `default_fps` frames per second "
+             "unless `fps` is given. Fills "
              "and checks.")
         .def_property_static(
             "default_fps", [](const py::object&) { return Animation::defaultFps; },
@@ -693,4 +760,9 @@ PYBIND11_MODULE(animationmodel, m) {
     bind_edits(animation);
     bind_results(animation);
     bind_rotation(m);
+    refuse_unmade<Key>();
+    refuse_unmade<Layer>();
+    refuse_unmade<Layers>();
+    refuse_unmade<Animation>();
+    refuse_unmade<Rotation>();
 }

@@ -42,7 +42,10 @@ def test_layers_behave_as_lists_and_dicts():
     show.layers.update(a=taken, b=[])
     show.layers["a"] += [Key(Wait, [], 1)]
     show.layers["a"], show.layers["b"] = show.layers["b"], show.layers["a"]
-    assert show.layers == {"a": [], "b": [*taken, Key(Wait, [], 1)]}
+    show.layers.setdefault("a", []).append(taken[0])
+    assert show.layers == {"a": [taken[0]], "b": [*taken, Key(Wait, [], 1)]}
+    assert show.layers.pop("x", None) is None
+    assert 1 not in show.layers
 
 
 def test_keys_stay_what_they_were_taken_for():
@@ -51,6 +54,10 @@ def test_keys_stay_what_they_were_taken_for():
     fade, stay = keys
     for _ in range(1000):  # the layer moves in memory
         keys.insert(0, Key(Wait, [], 1))
+    wrong = lamp()
+    wrong.fps = 0
+    with pytest.raises(ValueError):
+        show.insert(wrong, 0)
     fade.duration = 12
     assert show.layer("lamp")[1000:] == [Key(Transition, [0, 1], 12), Key(Hold, [1], 20)]
     del keys[1000]
@@ -67,7 +74,8 @@ def test_copies_and_files_are_equal():
     edited.layers["\N{BULLET}"] = [Key(Effect(-7), [], 1), Key(Hold, [float("-inf")], 2**32 - 1)]
     edited.fps, edited.outro_size = 0, 2**32 - 1
     for show in (edited, Rotation(1, 0, 3, 2, 4), lamp().layers["lamp"][0]):
-        for again in (copy.copy(show), copy.deepcopy(show), pickle.loads(pickle.dumps(show))):
+        pickled = [pickle.loads(pickle.dumps(show, protocol)) for protocol in range(6)]
+        for again in (copy.copy(show), copy.deepcopy(show), *pickled):
             assert again == show and type(again) is type(show)
     assert Animation.from_json(edited.to_json()) == edited
     assert eval(repr(lamp())) == lamp()
@@ -78,10 +86,21 @@ def test_sample_gives_what_each_cut_begins_with():
     values = show.sample()
     assert (values.dtype, values.shape) == (numpy.float32, (30, 3))
     for frame, row in enumerate(values):
-        begins = [layer[0].args for layer in show.split_at(frame, False, False)[-1].layers.values()]
+        last = show.split_at(numpy.array([frame]), False, False)[-1]
+        begins = [layer[0].args for layer in last.layers.values()]
         expected = numpy.float32([args[0] if args else numpy.nan for args in begins])
         numpy.testing.assert_array_equal(row, expected)
     numpy.testing.assert_array_equal(show.sample(5, 3), values[5:8])
+
+
+def test_threads_may_be_the_first_to_sample():
+    program = """
+from concurrent.futures import ThreadPoolExecutor
+from animationmodel import Rotation
+with ThreadPoolExecutor(2) as pool:
+    list(pool.map(lambda step: Rotation(1, 0, 3, 2, step).sample(), range(1, 9)))
+"""
+    subprocess.run([sys.executable, "-c", program], check=True, timeout=60)
 
 
 @pytest.mark.parametrize("call, error, text", [
@@ -92,8 +111,12 @@ def test_sample_gives_what_each_cut_begins_with():
     (lambda: Key(Hold, [1e39], 1), ValueError, "args has to be within the range of 32-bit floats"),
     (lambda: Animation.from_json('{"layers": 1}'), ValueError, "^/layers: needs an object"),
     (lambda: Animation({b"x": []}), TypeError, "needs a str, not <class 'bytes'>"),
-    (lambda: lamp().layers["lamp"].extend([1]), TypeError, ""),
+    (lambda: Animation.from_json(b"{}"), TypeError, "text: str"),
+    (lambda: lamp().insert_in_layer("lamp", [None], 1), TypeError, "needs a Key, not <class 'None"),
+    (lambda: type("Late", (Animation,), {"__init__": Animation.empty})(), TypeError, "super"),
     (lambda: lamp().layers["lamp"][2], IndexError, ""),
+    (lambda: lamp().layers["lamp"][2**70], IndexError, ""),
+    (lambda: lamp().layers["lamp"][numpy.float32(1)], TypeError, ""),
     (lambda: lamp().layers["x"], KeyError, "x"),
     (lambda: Rotation(1, 0, 3, 2, 4).sample(0, 2**32 - 1), MemoryError, ""),
 ])
