@@ -688,8 +688,7 @@ void bind_values(AnimationClass& animation) {
         .def(py::init(&animation_of), "layers"_a = py::none(), "intro_size"_a = 0,
              "outro_size"_a = 0, "fps"_a = py::none(),
              "Copies of `layers`, a dict of iterables of keys, at `default_fps` frames per second "
-             "unless `fps` is given. Fills "
-             "and checks.")
+             "unless `fps` is given. Fills and checks.")
         .def_property_static(
             "default_fps", [](const py::object&) { return Animation::defaultFps; },
             [](const py::object&, double fps) { Animation::defaultFps = value("fps", fps); },
