@@ -246,17 +246,29 @@ def test_playing(page):
     page.open("index.html#example=guide-1")
     mark = page.run("const box = drawn.querySelector('.key').getBoundingClientRect();"
                     "return [box.left, box.right, box.top + 5]")
+    both = "return [$('frame').value, document.querySelector('[name=frame]').value]"
     for place, frame in [(mark[0] + 1, 0), (mark[1] + 2, 20)]:
         action = webdriver.ActionChains(page.browser)
         action.w3c_actions.pointer_action.move_to_location(place, mark[2])
         action.w3c_actions.pointer_action.click()
         action.perform()
-        got = page.run("return [$('frame').value, document.querySelector('[name=frame]').value]")
+        got = page.run(both)
         expect(got == [str(frame)] * 2, f"a click on frame {frame} gives {got}")
     page.find("frame").send_keys(Keys.RIGHT)
     expect(page.find("at").text == "Frame 21 of 80", "the slider's keys do not move it")
     page.find("play").click()
     page.wait(lambda: page.run("return Number($('frame').value)") not in (21, 22))
+    page.find("play").click()
+    shown, given = page.run(both)
+    expect(shown == given, f"paused on {shown}, operations are at {given}")
+
+
+def test_fields(page):
+    page.open("index.html#example=guide-1")
+    page.run("document.querySelector('#operations form').requestSubmit()") # adds the layer bell
+    layer, example = page.run("return [document.querySelector('[name=name]').value, $('example').value]")
+    expect(layer == "status", f"operations go from the layer status to {layer}")
+    expect(example == "", f"an edit is still called the example {example}")
 
 
 def test_large(page):
@@ -344,6 +356,7 @@ def main():
         test_mistakes(page)
         test_link(page)
         test_playing(page)
+        test_fields(page)
         test_large(page)
         test_access(page)
         said = page.browser.get_log("browser")

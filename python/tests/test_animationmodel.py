@@ -69,6 +69,15 @@ def test_keys_stay_what_they_were_taken_for():
     assert keys[1000:] == [Key(Hold, [7], 20)]
 
 
+def test_keys_are_their_own_after_an_operation():
+    show = lamp()
+    held = show.layers["lamp"][1]
+    show.insert_in_layer("lamp", Key(Wait, [], 1), 0)
+    held.duration = 5
+    assert held == Key(Hold, [1], 5)
+    assert show.layer("lamp")[1:] == lamp().layer("lamp")
+
+
 def test_copies_and_files_are_equal():
     edited = lamp()
     edited.layers["\N{BULLET}"] = [Key(Effect(-7), [], 1), Key(Hold, [float("-inf")], 2**32 - 1)]
