@@ -1,11 +1,12 @@
 // Builds a rotation from the command line, edits it, and shows every step as a timeline.
 
+#include "Colour.h"
+#include "CommandLine.h"
 #include "Picture.h"
 #include "Player.h"
-#include "Program.h"
 #include "Terminal.h"
 #include "Timeline.h"
-#include "number.h"
+#include "parse.h"
 
 #include <animationmodel/Rotation.h>
 
@@ -169,7 +170,8 @@ void run(const Options& options) {
 // NOLINTNEXTLINE(bugprone-exception-escape): only memory can run out before the program runs
 int main(int argc, char** argv) {
     Options options;
-    const Program program{"demo", "A light that travels around eight outputs, edited step by step.",
-                          described(options), [&] { run(options); }};
-    return program.run(argc, argv);
+    const CommandLine line{"demo",
+                           "A light that travels around eight outputs, edited step by step.",
+                           described(options), [&] { run(options); }};
+    return line.run(argc, argv);
 }

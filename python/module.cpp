@@ -2,8 +2,10 @@
 // dicts would do beside.
 
 #include "Layer.h"
+#include "Measures.h"
+#include "Picture.h"
+#include "Player.h"
 #include "docstrings.h"
-#include "exchange.h"
 
 #include <animationmodel/Rotation.h>
 #include <animationmodel/json.h>

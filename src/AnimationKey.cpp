@@ -1,6 +1,6 @@
 #include <animationmodel/AnimationKey.h>
 
-#include "take_head.h"
+#include "cut.h"
 #include "text.h"
 
 namespace Kiv {

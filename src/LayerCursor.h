@@ -1,7 +1,7 @@
 #pragma once
 
+#include "cut.h"
 #include "frames.h"
-#include "take_head.h"
 
 #include <algorithm>
 #include <optional>

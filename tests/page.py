@@ -64,7 +64,8 @@ return result;
 
 PROGRAM = r"""
 #include "Recording.h"
-#include "exchange.h"
+#include "Picture.h"
+#include "Player.h"
 #include <animationmodel/Rotation.h>
 #include <animationmodel/json.h>
 #include <fstream>
@@ -106,9 +107,9 @@ def native(build, cases):
                           for text, line in cases)
         (folder / "page.cpp").write_text(
             PROGRAM % {"other": OTHER, "recording": RECORDING, "cases": lines})
-        subprocess.run(["g++", "-std=c++20", "-I", ROOT / "include", "-I", ROOT / "examples",
-                        folder / "page.cpp", "-o", folder / "page", build / "examples/librecording.a",
-                        build / "examples/libterminal.a", build / "examples/libtimeline.a",
+        subprocess.run(["g++", "-std=c++20", "-I", ROOT / "include", "-I", ROOT / "view",
+                        "-I", ROOT / "lights", folder / "page.cpp", "-o", folder / "page", build / "lights/liblights.a",
+                        build / "view/libview.a",
                         "-L", build, "-lanimationmodel", f"-Wl,-rpath,{build}"], check=True)
         subprocess.run([folder / "page", folder / "out"], check=True)
         return json.loads((folder / "out").read_text())

@@ -1,9 +1,9 @@
 #include "Show.h"
 
-#include "Console.h"
-#include "Program.h"
+#include "CommandLine.h"
+#include "Dmx.h"
+#include "Measures.h"
 #include "Recording.h"
-#include "Timeline.h"
 
 #include <animationmodel/json.h>
 

@@ -80,3 +80,16 @@ public:
             track.seek(frame);
     }
 };
+
+/// Puts the values of the frames [start, start + count) into `values`, one frame after another: a
+/// value for each layer, in their order, and a NaN where there is none. There has to be room for
+/// `count` x layers.
+inline void sample(const Kiv::LayerMap& layers, unsigned int start, unsigned int count,
+                   float* values) {
+    Player player(layers);
+    for (unsigned int i = 0; i < count; ++i) {
+        player.seek(start + i);
+        for (const Track& track : player)
+            *values++ = track.value().value_or(std::numeric_limits<float>::quiet_NaN());
+    }
+}

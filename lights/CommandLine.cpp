@@ -1,4 +1,4 @@
-#include "Program.h"
+#include "CommandLine.h"
 
 #include <CLI/CLI.hpp>
 
@@ -44,7 +44,7 @@ void add(CLI::App& app, const Option& option) {
 
 } // namespace
 
-int Program::run(int argc, char** argv) const {
+int CommandLine::run(int argc, char** argv) const {
     const auto complain = [&](const std::exception& error, int status) {
         std::cerr << name << ": " << error.what() << '\n';
         return status;

@@ -1,9 +1,10 @@
 // What the page calls: the operations under their own names. Each edits the first animation in
 // place, and returns an Error of JavaScript where the library refuses.
 
+#include "Measures.h"
+#include "Picture.h"
+#include "Player.h"
 #include "Recording.h"
-#include "Timeline.h"
-#include "exchange.h"
 
 #include <animationmodel/Rotation.h>
 #include <animationmodel/json.h>

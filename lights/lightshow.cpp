@@ -1,14 +1,14 @@
 // Edits light shows: reads one, applies the edits in the order given, writes or plays it.
 
-#include "Console.h"
+#include "CommandLine.h"
+#include "Dmx.h"
 #include "Picture.h"
-#include "Program.h"
 #include "Recording.h"
 #include "Show.h"
 #include "Terminal.h"
 #include "Timeline.h"
-#include "number.h"
-#include "play.h"
+#include "olad.h"
+#include "parse.h"
 
 #include <animationmodel/Rotation.h>
 
@@ -188,12 +188,13 @@ int main(int argc, char** argv) {
     add(outputs, "--split", "T PREFIX", "writes PREFIX1, PREFIX2 ... of T each", split);
     add(outputs, "--svg", "FILE", "draws a picture that plays", draw);
     options.push_back({"--play", "", "plays by the olad of this machine", [&](const Words&) {
-                           outputs.emplace_back([&](const Animation& show) { play(show, rate); });
+                           outputs.emplace_back(
+                               [&](const Animation& show) { play_by_olad(show, rate); });
                        }});
     options.push_back({"--rate", "N", "frames a second to play, 1 to 1000 (40)",
                        [&](const Words& words) { rate = Number<1, 1000>(words[0]); }});
-    const Program program{"lightshow",
-                          "Edits light shows. A time is milliseconds, or seconds with an s.",
-                          options, [&] { run(inputs, edits, outputs); }};
-    return program.run(argc, argv);
+    const CommandLine line{"lightshow",
+                           "Edits light shows. A time is milliseconds, or seconds with an s.",
+                           options, [&] { run(inputs, edits, outputs); }};
+    return line.run(argc, argv);
 }

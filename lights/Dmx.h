@@ -22,10 +22,10 @@ std::pair<unsigned int, unsigned int> channel_of(const std::string& layer);
 using Universes = std::map<unsigned int, std::vector<std::uint8_t>>;
 
 /// What the universes of a show send, frame by frame; the show has to outlive it.
-class Console {
+class DmxPlayer {
 public:
     /// Throws std::runtime_error that names a layer that is called after no channel.
-    explicit Console(const Kiv::LayerMap& layers);
+    explicit DmxPlayer(const Kiv::LayerMap& layers);
 
     /// The universes on `frame`, until the next call.
     const Universes& seek(unsigned int frame);

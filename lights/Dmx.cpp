@@ -1,6 +1,6 @@
-#include "Console.h"
+#include "Dmx.h"
 
-#include "number.h"
+#include "parse.h"
 
 #include <cmath>
 #include <stdexcept>
@@ -26,14 +26,14 @@ std::pair<unsigned int, unsigned int> channel_of(const std::string& layer) {
     return {*universe, *channel};
 }
 
-Console::Console(const LayerMap& layers) : player(layers) {
+DmxPlayer::DmxPlayer(const LayerMap& layers) : player(layers) {
     for (const Track& track : player) {
         const auto [universe, channel] = channel_of(track.name());
         places.emplace_back(universe, channel - 1);
     }
 }
 
-const Universes& Console::seek(unsigned int frame) {
+const Universes& DmxPlayer::seek(unsigned int frame) {
     player.seek(frame);
     next = std::numeric_limits<unsigned int>::max();
     for (auto& [number, values] : universes)

@@ -22,7 +22,7 @@ struct Option {
     std::function<void(const Words&)> take;
 };
 
-struct Program {
+struct CommandLine {
     /// Takes the options in the order they are given in, then runs `body`. Asked for help, prints
     /// the options instead. Returns the status:
     ///

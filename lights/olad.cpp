@@ -1,7 +1,7 @@
-#include "play.h"
+#include "olad.h"
 
-#include "Console.h"
-#include "Program.h"
+#include "CommandLine.h"
+#include "Dmx.h"
 #include "Terminal.h"
 
 #include <chrono>
@@ -25,7 +25,7 @@ void send(ola::client::StreamingClient& daemon, const Universes& universes) {
 
 } // namespace
 
-void play(const Kiv::Animation& show, unsigned int rate) {
+void play_by_olad(const Kiv::Animation& show, unsigned int rate) {
     ola::InitLogging(ola::OLA_LOG_NONE, ola::OLA_LOG_STDERR);
     std::signal(SIGPIPE, SIG_IGN); // `send` notices when the daemon is gone
     catch_interrupts();
@@ -33,16 +33,16 @@ void play(const Kiv::Animation& show, unsigned int rate) {
     if (!daemon.Setup())
         throw Failure("no olad answers on this machine; is it running?");
 
-    Console console(show.layers);
+    DmxPlayer player(show.layers);
     const unsigned int end = show.durationInFrames(); // milliseconds
     const auto start = std::chrono::steady_clock::now();
     unsigned int frame = 0;
     for (std::uint64_t count = 1; interrupted == 0 && frame < end; ++count) {
-        send(daemon, console.seek(frame));
+        send(daemon, player.seek(frame));
         frame = static_cast<unsigned int>(std::min<std::uint64_t>(count * 1000 / rate, end));
         std::this_thread::sleep_until(start + std::chrono::milliseconds(frame));
     }
-    send(daemon, console.seek(end));
+    send(daemon, player.seek(end));
     // Were the connection closed at once, this last frame could be lost with it.
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
 }

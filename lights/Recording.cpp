@@ -1,8 +1,8 @@
 #include "Recording.h"
 
-#include "Console.h"
+#include "Dmx.h"
 #include "Terminal.h"
-#include "number.h"
+#include "parse.h"
 
 #include <cmath>
 #include <filesystem>
@@ -120,13 +120,13 @@ Animation read_recording(const std::string& path) {
 
 void write_recording(std::ostream& out, const Animation& show) {
     Progress progress{"writing"};
-    Console console(show.layers);
+    DmxPlayer player(show.layers);
     Universes last;
     const unsigned int end = show.durationInFrames();
     unsigned int written = 0; // the frame of the last line of values
     std::string text = "OLA Show\n";
-    for (unsigned int frame = 0; frame < end; frame = console.next) {
-        for (const auto& [number, values] : console.seek(frame)) {
+    for (unsigned int frame = 0; frame < end; frame = player.next) {
+        for (const auto& [number, values] : player.seek(frame)) {
             if (!last.empty() && values == last[number])
                 continue;
             if (!last.empty())

@@ -1,12 +1,14 @@
 #include "Picture.h"
 
+#include "Colour.h"
+#include "Measures.h"
 #include "Player.h"
-#include "Timeline.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <set>
+#include <sstream>
 
 using namespace Kiv;
 
@@ -249,4 +251,10 @@ private:
 
 void write_svg(std::ostream& out, const std::string& title, const Animation& animation) {
     Drawing(out, animation).draw(title);
+}
+
+std::string svg_of(const std::string& title, const Animation& animation) {
+    std::ostringstream text;
+    write_svg(text, title, animation);
+    return text.str();
 }

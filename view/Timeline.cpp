@@ -1,13 +1,12 @@
 #include "Timeline.h"
 
+#include "Colour.h"
+#include "Measures.h"
 #include "Player.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstdint>
-#include <iomanip>
-#include <locale>
-#include <sstream>
+#include <string>
 
 using namespace Kiv;
 
@@ -108,53 +107,6 @@ void print_coloured(std::ostream& out, const std::string& row, Track track, unsi
 }
 
 } // namespace
-
-ValueRange::ValueRange(const Animation& animation) {
-    bool first = true;
-    for (const auto& [name, layer] : animation.layers)
-        for (const AnimationKey& key : layer)
-            for (const float value : key.command.args) {
-                least = first ? value : std::min(least, value);
-                greatest = first ? value : std::max(greatest, value);
-                first = false;
-            }
-}
-
-int ValueRange::level(float value) const {
-    if (!(least < greatest))
-        return 255;
-    return static_cast<int>(std::lround((value - least) / (greatest - least) * 255));
-}
-
-Colour colour_of(int level) {
-    const auto between = [level](int from, int to) { return from + (to - from) * level / 255; };
-    return {between(44, 255), between(64, 209), between(128, 102)};
-}
-
-std::string number(float value, int digits) {
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    text << std::setprecision(digits) << value;
-    return text.str();
-}
-
-std::string label(float value) {
-    return std::abs(value) < 10 ? number(value, 2) : number(std::round(value), 4);
-}
-
-std::string measures(const Animation& animation) {
-    return std::to_string(animation.durationInFrames()) + " frames, " +
-           number(animation.durationInSeconds(), 6) + " s at " + number(animation.fps, 6) +
-           " fps, intro " + std::to_string(animation.introSize) + ", outro " +
-           std::to_string(animation.outroSize);
-}
-
-unsigned int ruler_step(unsigned int least) {
-    unsigned int step = 1;
-    for (unsigned int factor = 0; step < least && step < 1000000000; ++factor)
-        step = factor % 3 == 1 ? step / 2 * 5 : step * 2;
-    return step;
-}
 
 void print_timeline(std::ostream& out, const Animation& animation, unsigned int width,
                     bool coloured) {
