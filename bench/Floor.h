@@ -55,6 +55,13 @@ inline void erase(Row& row, std::size_t from, std::size_t to) {
     row.erase(row.begin() + static_cast<long>(from), row.begin() + static_cast<long>(to));
 }
 
+/// With keys over those from `place` on, and one more, for the key that is cut at their end.
+inline void replace_at(Row& row, std::size_t place, const Row& keys) {
+    const PlainKey cut = row[place];
+    insert_at(row, place + keys.size(), {&cut, 1});
+    std::copy(keys.begin(), keys.end(), row.begin() + static_cast<long>(place) + 1);
+}
+
 /// An animation that only does the memory work: an operation reads the durations that it has to
 /// know, and makes room, copies or moves as many keys as the result asks for. All rows are equally
 /// long.
@@ -65,6 +72,12 @@ struct Floor {
     void durationInFrames() const {
         for (const auto& [name, row] : layers)
             scan(row);
+    }
+    void replaceInLayer(const std::string& name, unsigned int start, unsigned int count,
+                        const Row& keys) {
+        Row& row = layers.find(name)->second;
+        scan({row.data(), (start + count) / keyFrames});
+        replace_at(row, start / keyFrames, keys);
     }
     void insertInLayer(const std::string& name, const PlainKey& key, unsigned int frame) {
         Row& row = layers.find(name)->second;
@@ -93,6 +106,11 @@ struct Floor {
     void overrideLayerWith(const std::string& name, const Row& keys, unsigned int /*frame*/) {
         durationInFrames();
         override_row(layers.find(name)->second, keys);
+    }
+    void replace(unsigned int start, unsigned int /*count*/, Floor other) {
+        durationInFrames();
+        for (auto replacing = other.layers.begin(); auto& [name, row] : layers)
+            replace_at(row, start / keyFrames, replacing++->second);
     }
     void insert(Floor other, unsigned int frame) {
         durationInFrames();

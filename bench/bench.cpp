@@ -198,6 +198,16 @@ void add_operations() {
     add("copy", shapes({1, 8, 1000, 10000}), asBuilt, copied);
     add("durationInFrames", shapes({1, 8}), asBuilt,
         [](auto& w) { w.animation.durationInFrames(); });
+    add(
+        "replaceInLayer, middle half", shapes({1, 8}),
+        [=](auto& w) {
+            leaveRoom(w);
+            w.keys.assign(w.size / 2, w.key);
+        },
+        [](auto& w) {
+            w.animation.replaceInLayer("layer0", w.inside(w.size / 4), w.frames(w.size / 2),
+                                       w.keys);
+        });
     add("insertInLayer, middle key", shapes({1, 8}), leaveRoom,
         [](auto& w) { w.animation.insertInLayer("layer0", w.key, w.inside(w.size / 2)); });
     add("removeInLayer, middle half", shapes({1, 8}), leaveRoom, [](auto& w) {
@@ -214,6 +224,12 @@ void add_operations() {
                 w.keys.insert(w.keys.end(), {w.key, w.wait});
         },
         [](auto& w) { w.animation.overrideLayerWith("layer0", w.keys, 3); });
+    const auto giveHalf = [](auto& w) {
+        for (const auto& [name, layer] : w.animation.layers)
+            w.other.layers[name].assign(w.size / 2, w.key);
+    };
+    add("replace, middle half", shapes({8, 1000, 10000}), giveHalf,
+        [](auto& w) { w.animation.replace(w.inside(w.size / 4), w.frames(w.size / 2), w.other); });
     add("insert", shapes({8, 1000, 10000}, 2), giveOther,
         [](auto& w) { w.animation.insert(w.other, w.inside(w.size / 2)); });
     const auto pushBack = [](auto& w) { w.animation.pushBack(w.other, true, true); };
@@ -227,12 +243,7 @@ void add_operations() {
         pushBack);
     add("remove, middle half", shapes({8, 1000, 10000}), asBuilt,
         [](auto& w) { w.animation.remove(w.inside(w.size / 4), w.frames(w.size / 2)); });
-    add(
-        "overrideLayersWith, one run", shapes({8, 1000, 10000}),
-        [](auto& w) {
-            for (const auto& [name, layer] : w.animation.layers)
-                w.other.layers[name].assign(w.size / 2, w.key);
-        },
+    add("overrideLayersWith, one run", shapes({8, 1000, 10000}), giveHalf,
         [](auto& w) { w.animation.overrideLayersWith(w.other, w.inside(w.size / 4)); });
     add("introBodyOutroLayers", shapes({1, 8}), set_sizes(4),
         [](auto& w) { w.animation.introBodyOutroLayers(w.parts[0], w.parts[1], w.parts[2]); });

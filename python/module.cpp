@@ -603,8 +603,13 @@ layer, cut there, begins with; NaN where there is none: on a Wait, a NoValue and
 void bind_edits(AnimationClass& animation) {
     using Keys = void (Animation::*)(const std::string&, const KeyVector&);
     using KeysAt = void (Animation::*)(const std::string&, const KeyVector&, unsigned int);
+    using KeysFor =
+        void (Animation::*)(const std::string&, unsigned int, unsigned int, const KeyVector&);
     bind<Name, Whole>(animation, "fill_in_layer", &Animation::fillInLayer,
                       doc_Animation_fillInLayer, "name", "frames");
+    bind<Name, Whole, Whole, KeyOrKeys>(
+        animation, "replace_in_layer", KeysFor(&Animation::replaceInLayer),
+        doc_Animation_replaceInLayer, "name", "start", "count", "keys");
     bind<Name, KeyOrKeys, Whole>(animation, "insert_in_layer", KeysAt(&Animation::insertInLayer),
                                  doc_Animation_insertInLayer, "name", "keys", "frame");
     bind<Name, KeyOrKeys>(animation, "push_back_in_layer", Keys(&Animation::pushBackInLayer),
@@ -614,6 +619,8 @@ void bind_edits(AnimationClass& animation) {
     bind<Name, KeyOrKeys, Whole>(animation, "override_layer_with",
                                  KeysAt(&Animation::overrideLayerWith),
                                  doc_Animation_overrideLayerWith, "name", "keys", "frame");
+    bind<Whole, Whole, Animation>(animation, "replace", &Animation::replace, doc_Animation_replace,
+                                  "start", "count", "other");
     bind<Animation, Whole>(animation, "insert", &Animation::insert, doc_Animation_insert, "other",
                            "frame");
     bind<Animation, bool, bool>(animation, "push_back", &Animation::pushBack,

@@ -81,6 +81,11 @@ val insert_in_layer(Animation& show, const std::string& name, const Animation& o
     return result_of([&] { show.insertInLayer(name, other.layer(from), frame); });
 }
 
+val replace_in_layer(Animation& show, const std::string& name, unsigned int start,
+                     unsigned int count, const Animation& other, const std::string& from) {
+    return result_of([&] { show.replaceInLayer(name, start, count, other.layer(from)); });
+}
+
 val push_back_in_layer(Animation& show, const std::string& name, const Animation& other,
                        const std::string& from) {
     return result_of([&] { show.pushBackInLayer(name, other.layer(from)); });
@@ -188,6 +193,8 @@ val values(const Animation& show, unsigned int frame) {
 EMSCRIPTEN_BINDINGS(page) {
     emscripten::class_<Animation>("Animation")
         .property("fps", &Animation::fps)
+        .function("replace", &Edit<&Animation::replace>::call)
+        .function("replaceInLayer", &replace_in_layer)
         .function("insert", &Edit<&Animation::insert>::call)
         .function("insertInLayer", &insert_in_layer)
         .function("pushBack", &Edit<&Animation::pushBack>::call)

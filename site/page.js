@@ -4,6 +4,7 @@
 // controls in the places of their values.
 const operations = {
     "All layers": {
+        "Replace": "show.replace(start, count, other);",
         "Insert": "show.insert(other, frame);",
         "Append": "show.pushBack(other, keepOutro, keepIntro);",
         "Remove": "show.remove(start, count);",
@@ -12,6 +13,7 @@ const operations = {
         "Reset": "show.reset();",
     },
     "One layer": {
+        "Replace": "show.replaceInLayer(name, start, count, other.layer(from));",
         "Insert": "show.insertInLayer(name, other.layer(from), frame);",
         "Append": "show.pushBackInLayer(name, other.layer(from));",
         "Remove": "show.removeInLayer(name, start, count);",

@@ -77,6 +77,7 @@ void fill_all(LayerMap& layers, const Totals& totals) {
         fill(keys, *total++, totals.duration());
 }
 
+/// A copy of the layers. They are measured before: measuring thousands of fresh ones takes longer.
 LayerMap filled_copy(const LayerMap& layers, const Totals& totals) {
     LayerMap copy = layers;
     fill_all(copy, totals);
@@ -167,13 +168,9 @@ unsigned int Animation::outroStartFrame() const {
     return duration - std::min(outroSize, duration);
 }
 
-namespace {
-
-float seconds(unsigned int frames, float fps) {
+static float seconds(unsigned int frames, float fps) {
     return std::fabs(static_cast<float>(frames) / fps);
 }
-
-} // namespace
 
 float Animation::durationInSeconds() const {
     return seconds(durationInFrames(), fps);
@@ -186,12 +183,10 @@ float Animation::simulatedDurationInSeconds(float fps) const {
     return seconds(durationInFrames(), fps);
 }
 
-namespace {
-
 /// Applies `edit`, which either succeeds or changes nothing, to the layer of that name. A missing
 /// layer is created, with what `edit` makes of an empty one.
 template <class Edit>
-void edit_layer(LayerMap& layers, const std::string& name, const Edit& edit) {
+static void edit_layer(LayerMap& layers, const std::string& name, const Edit& edit) {
     if (const auto found = layers.find(name); found != layers.end()) {
         edit(found->second);
         return;
@@ -201,31 +196,38 @@ void edit_layer(LayerMap& layers, const std::string& name, const Edit& edit) {
     layers.emplace(name, std::move(created));
 }
 
-} // namespace
-
 void Animation::fillInLayer(const std::string& name, unsigned int frames) {
     edit_layer(layers, name, [&](KeyVector& layer) { fill(layer, total_of(layer), frames); });
 }
 
-namespace {
-
-void insert_keys(LayerMap& layers, const std::string& name, Keys keys, unsigned int frame) {
-    if (!keys.empty())
-        edit_layer(layers, name, [&](KeyVector& layer) {
-            LayerCursor cursor(layer);
-            Splice(layer, cursor, frame, 0, keys).commit();
-        });
+/// Puts `keys` in the place of the frames [start, start + count) of the layer of that name: every
+/// edit of one layer but an override.
+static void replace_in_layer(LayerMap& layers, const std::string& name, unsigned int start,
+                             unsigned int count, Keys keys) {
+    edit_layer(layers, name, [&](KeyVector& layer) {
+        LayerCursor cursor(layer);
+        Splice(layer, cursor, start, count, keys).commit();
+    });
 }
 
-} // namespace
+void Animation::replaceInLayer(const std::string& name, unsigned int start, unsigned int count,
+                               const KeyVector& keys) {
+    replace_in_layer(layers, name, start, count, keys);
+}
+
+void Animation::replaceInLayer(const std::string& name, unsigned int start, unsigned int count,
+                               const AnimationKey& key) {
+    replace_in_layer(layers, name, start, count, {&key, 1});
+}
 
 void Animation::insertInLayer(const std::string& name, const KeyVector& keys, unsigned int frame) {
-    insert_keys(layers, name, keys, frame);
+    if (!keys.empty())
+        replace_in_layer(layers, name, frame, 0, keys);
 }
 
 void Animation::insertInLayer(const std::string& name, const AnimationKey& key,
                               unsigned int frame) {
-    insert_keys(layers, name, {&key, 1}, frame);
+    replace_in_layer(layers, name, frame, 0, {&key, 1});
 }
 
 void Animation::insertInLayer(const std::string& name, AnimationKeyCommandEffect effect,
@@ -242,7 +244,7 @@ void Animation::insertInLayer(const std::string& name, AnimationKeyCommandEffect
 
 void Animation::pushBackInLayer(const std::string& name, const KeyVector& keys) {
     edit_layer(layers, name, [&](KeyVector& layer) {
-        LayerCursor end{Keys()};
+        LayerCursor end{Keys()}; // nothing is to come
         Splice(layer, end, 0, 0, keys).commit();
     });
 }
@@ -262,27 +264,29 @@ void Animation::pushBackInLayer(const std::string& name, AnimationKeyCommandEffe
 }
 
 void Animation::removeInLayer(const std::string& name, unsigned int start, unsigned int count) {
-    edit_layer(layers, name, [&](KeyVector& layer) {
-        LayerCursor cursor(layer);
-        Splice(layer, cursor, start, count, {}).commit();
-    });
+    replace_in_layer(layers, name, start, count, {});
+}
+
+static bool is_wait(const AnimationKey& key) {
+    return key.command.effect == Wait;
 }
 
 namespace {
 
-bool is_wait(const AnimationKey& key) {
-    return key.command.effect == Wait;
-}
+/// A layer as it will be, and what it then lasts.
+struct Overridden {
+    KeyVector keys;
+    std::uint64_t length;
+};
 
-/// What `layer` becomes with `keys` laid over it from `position` on, in an animation of `duration`
-/// frames. `length` is what it lasts, before and afterwards.
-KeyVector overridden(Keys layer, std::uint64_t& length, unsigned int duration, Keys keys,
-                     unsigned int position) {
+/// `layer`, which lasts `length` frames, with `keys` laid over it from `position` on, in an
+/// animation of `duration` frames.
+Overridden overridden(Keys layer, std::uint64_t length, unsigned int duration, Keys keys,
+                      unsigned int position) {
     const unsigned int least = std::max(duration, static_cast<unsigned int>(total_of(keys)));
     LayerCursor cursor(filled(layer, length, least));
-    length = std::max<std::uint64_t>(length, least);
-    KeyVector result;
-    result.reserve(layer.size() + keys.size() + 2);
+    Overridden result{{}, std::max<std::uint64_t>(length, least)};
+    result.keys.reserve(layer.size() + keys.size() + 2);
     for (auto key = keys.begin(); key != keys.end();) {
         if (is_wait(*key)) {
             position += key++->duration;
@@ -290,17 +294,17 @@ KeyVector overridden(Keys layer, std::uint64_t& length, unsigned int duration, K
         }
         const auto runEnd = std::find_if(key, keys.end(), is_wait);
         const Keys run(&*key, static_cast<std::size_t>(runEnd - key));
-        cursor.takeFrames(position).appendTo(result);
+        cursor.takeFrames(position).appendTo(result.keys);
         if (cursor.frame < position)
-            result.emplace_back(Wait, position - cursor.frame);
-        result.insert(result.end(), run.begin(), run.end());
+            result.keys.emplace_back(Wait, position - cursor.frame);
+        result.keys.insert(result.keys.end(), run.begin(), run.end());
         position += static_cast<unsigned int>(total_of(run));
         cursor.takeKeys(position);
-        length += position - cursor.frame;
+        result.length += position - cursor.frame;
         cursor.frame = position; // the key that the run ends inside follows it whole
         key = runEnd;
     }
-    cursor.rest.appendTo(result);
+    cursor.rest.appendTo(result.keys);
     return result;
 }
 
@@ -316,14 +320,17 @@ void Animation::overrideLayerWith(const std::string& name, const KeyVector& keys
         if (other == name)
             length = total;
     }
-    edit_layer(layers, name,
-               [&](KeyVector& layer) { layer = overridden(layer, length, duration, keys, frame); });
+    edit_layer(layers, name, [&](KeyVector& layer) {
+        layer = overridden(layer, length, duration, keys, frame).keys;
+    });
 }
 
 namespace {
 
 /// Edits of layers that are prepared one by one and then made all together.
 struct Edits {
+    explicit Edits(const LayerMap& layers) { splices.reserve(layers.size()); }
+
     /// Makes them.
     void commit(LayerMap& layers) noexcept;
 
@@ -350,35 +357,31 @@ void side_by_side(Ours& ours, Theirs& theirs, const Visit& visit) {
     auto our = ours.begin();
     auto their = theirs.begin();
     while (our != ours.end() || their != theirs.end()) {
-        int order = 0; // below 0 for a name that only ours have
-        if (our == ours.end())
-            order = 1;
-        else if (their == theirs.end())
-            order = -1;
-        else
-            order = our->first.compare(their->first);
+        const int order = their == theirs.end() ? -1 // only ours have that name
+                          : our == ours.end()   ? 1
+                                                : our->first.compare(their->first);
         visit(order <= 0 ? our++ : ours.end(), order >= 0 ? their++ : theirs.end());
     }
 }
 
 /// Puts `other`, whose layers all last `length` frames, in the place of the frames
 /// [start, start + count) of every layer, or changes nothing. Where it lacks a layer, a `Wait` key
-/// stands in; layers that it alone has are moved. `cursor_in` gives a cursor in each layer, at or
-/// before `start`. Returns the duration before.
-template <class CursorIn>
-unsigned int replace_frames(LayerMap& layers, unsigned int start, unsigned int count,
-                            LayerMap& other, unsigned int length, CursorIn cursor_in) {
+/// stands in; layers that it alone has are moved. Returns the duration before. Where `totals` says
+/// what each layer lasts, those that end by `start` are not walked.
+unsigned int replace_in_each(LayerMap& layers, unsigned int start, unsigned int count,
+                             LayerMap& other, unsigned int length, const Totals* totals) {
     const AnimationKey gap(Wait, std::max(1U, length));
     const Keys missing(&gap, length > 0 ? 1 : 0);
-    Edits edits;
-    edits.splices.reserve(layers.size());
+    Edits edits(layers);
     unsigned int duration = 0;
     side_by_side(layers, other, [&](auto ours, auto theirs) {
         if (ours != layers.end()) {
-            KeyVector& layer = ours->second;
             const Keys keys = theirs != other.end() ? Keys(theirs->second) : missing;
-            LayerCursor cursor = cursor_in(layer);
-            edits.splices.emplace_back(layer, cursor, start, count, keys);
+            const std::uint64_t last = totals ? totals->each[edits.splices.size()] : UINT64_MAX;
+            LayerCursor cursor = last <= start
+                                     ? LayerCursor(Keys(), static_cast<unsigned int>(last))
+                                     : LayerCursor(ours->second);
+            edits.splices.emplace_back(ours->second, cursor, start, count, keys);
             duration = std::max(duration, cursor.end());
         } else if (length > 0) {
             KeyVector& keys = theirs->second;
@@ -398,7 +401,7 @@ unsigned int outro_begin(const Animation& animation, unsigned int duration) {
 }
 
 /// Takes off the sizes what is theirs of the frames [start, start + count), in an animation of
-/// `duration` frames.
+/// `duration` frames, which lasts longer than `start`.
 void shrink_sizes(Animation& animation, unsigned int duration, unsigned int start,
                   unsigned int count) {
     const unsigned int outroBegin = outro_begin(animation, duration);
@@ -417,16 +420,27 @@ void widen_sizes(Animation& animation, unsigned int duration, unsigned int frame
     animation.outroSize += inOutro ? count : 0;
 }
 
+/// Does so and keeps the sizes in step: every edit of all layers but an override.
+void replace_in_layers(Animation& animation, unsigned int start, unsigned int count,
+                       LayerMap& other, unsigned int length, const Totals* totals = nullptr) {
+    unsigned int duration = replace_in_each(animation.layers, start, count, other, length, totals);
+    if (start < duration) {
+        shrink_sizes(animation, duration, start, count);
+        duration -= std::min(count, duration - start);
+    }
+    widen_sizes(animation, duration, start, length);
+}
+
 } // namespace
 
-void Animation::insert(Animation other, unsigned int frame) {
+void Animation::replace(unsigned int start, unsigned int count, Animation other) {
     const unsigned int length = check_and_fill(other);
-    if (length == 0)
-        return;
-    const unsigned int duration =
-        replace_frames(layers, frame, 0, other.layers, length,
-                       [](const KeyVector& layer) { return LayerCursor(layer); });
-    widen_sizes(*this, duration, frame, length);
+    if (count > 0 || length > 0)
+        replace_in_layers(*this, start, count, other.layers, length);
+}
+
+void Animation::insert(Animation other, unsigned int frame) {
+    replace(frame, 0, std::move(other));
 }
 
 void Animation::pushBack(Animation other, bool keepOutro, bool keepIntro) {
@@ -437,51 +451,33 @@ void Animation::pushBack(Animation other, bool keepOutro, bool keepIntro) {
     const unsigned int duration = totals.duration();
     const unsigned int end =
         keepOutro ? duration : std::min(duration, outro_begin(*this, duration));
-    auto total = totals.each.begin();
-    replace_frames(layers, end, duration - end, other.layers, length, [&](const KeyVector& layer) {
-        const auto last = static_cast<unsigned int>(*total++);
-        return last <= end ? LayerCursor(Keys(), last) : LayerCursor(layer);
-    });
-    shrink_sizes(*this, duration, end, duration - end);
-    widen_sizes(*this, end, end, length);
+    replace_in_layers(*this, end, duration - end, other.layers, length, &totals);
     outroSize = other.outroSize;
 }
 
 void Animation::remove(unsigned int start, unsigned int count) {
-    if (count == 0)
-        return;
-    Edits edits;
-    edits.splices.reserve(layers.size());
-    unsigned int duration = 0;
-    for (auto& [name, layer] : layers) {
-        LayerCursor cursor(layer);
-        edits.splices.emplace_back(layer, cursor, start, count, Keys());
-        duration = std::max(duration, cursor.end());
-    }
-    if (duration <= start)
-        return;
-    edits.commit(layers);
-    shrink_sizes(*this, duration, start, count);
+    LayerMap nothing;
+    if (count > 0)
+        replace_in_layers(*this, start, count, nothing, 0);
 }
 
 void Animation::overrideLayersWith(const Animation& other, unsigned int frame) {
     const Totals totals(layers);
     auto total = totals.each.begin();
     unsigned int duration = totals.duration();
-    Edits edits;
-    edits.splices.reserve(other.layers.size());
+    Edits edits(other.layers);
     side_by_side(layers, other.layers, [&](auto ours, auto theirs) {
         const bool created = ours == layers.end();
-        std::uint64_t length = created ? 0 : *total++;
+        const std::uint64_t length = created ? 0 : *total++;
         if (theirs == other.layers.end())
             return;
         const Keys layer = created ? Keys() : Keys(ours->second);
-        KeyVector result = overridden(layer, length, duration, theirs->second, frame);
-        duration = std::max(duration, static_cast<unsigned int>(length));
+        Overridden result = overridden(layer, length, duration, theirs->second, frame);
+        duration = std::max(duration, static_cast<unsigned int>(result.length));
         if (created)
-            layer_in(edits.added, theirs->first) = std::move(result);
+            layer_in(edits.added, theirs->first) = std::move(result.keys);
         else
-            edits.splices.emplace_back(ours->second, std::move(result));
+            edits.splices.emplace_back(ours->second, std::move(result.keys));
     });
     edits.commit(layers);
 }
@@ -645,14 +641,10 @@ void Animation::_checkAttr() {
     check(*this);
 }
 
-namespace {
-
 /// The keys of `layer` from `it` on.
-Keys keys_from(const KeyVector& layer, KeyVector::const_iterator it) {
+static Keys keys_from(const KeyVector& layer, KeyVector::const_iterator it) {
     return Keys(layer).subspan(static_cast<std::size_t>(it - layer.begin()));
 }
-
-} // namespace
 
 void Animation::_iterateOnLayer(unsigned int& frame, KeyVector::iterator& it, unsigned int target,
                                 const KeyVector& layer, bool toEnd, KeyVector* out) {

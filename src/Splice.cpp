@@ -22,20 +22,20 @@ bool stands_in(Keys run, const KeyVector& layer) {
 
 Splice::Splice(KeyVector& layer, LayerCursor& cursor, unsigned int start, unsigned int count,
                Keys keys)
-    : layer(&layer), row{cursor.takeFrames(start).back, keys, {}} {
+    : layer(&layer), replacement{cursor.takeFrames(start).back, keys, {}} {
     first = layer.size() - cursor.rest.size(); // of a key that was cut, the rest is to come
     if (cursor.frame < start && !keys.empty())
-        row.front = AnimationKey(Wait, start - cursor.frame);
+        replacement.front = AnimationKey(Wait, start - cursor.frame);
     cursor.takeFrames(end_of_range(start, count));
-    row.back = cursor.rest.front;
+    replacement.back = cursor.rest.front;
     last = layer.size() - cursor.rest.run.size();
 
-    const std::size_t size = layer.size() - (last - first) + row.size();
+    const std::size_t size = layer.size() - (last - first) + replacement.size();
     if (size <= layer.capacity() && !stands_in(keys, layer))
         return;
     built.reserve(std::max(size, 2 * layer.size()));
     built.insert(built.end(), layer.begin(), at(layer, first));
-    row.appendTo(built);
+    replacement.appendTo(built);
     built.insert(built.end(), at(layer, last), layer.end());
 }
 
@@ -49,15 +49,15 @@ void Splice::commit() noexcept {
     }
     if (last == layer->size()) {
         layer->erase(at(*layer, first), layer->end());
-        row.appendTo(*layer);
+        replacement.appendTo(*layer);
         return;
     }
-    const std::size_t end = first + row.size();
+    const std::size_t end = first + replacement.size();
     if (end > last)
         layer->insert(at(*layer, last), end - last, AnimationKey(Wait, 1)); // makes room
     else
         layer->erase(at(*layer, end), at(*layer, last));
-    row.writeTo(at(*layer, first));
+    replacement.writeTo(at(*layer, first));
 }
 
 } // namespace Kiv

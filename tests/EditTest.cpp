@@ -6,101 +6,127 @@ using namespace Kiv;
 
 namespace {
 
-/// A call, as text and to be made on an animation that is called `it`.
-#define CALL(...) #__VA_ARGS__, [](Animation & it) { __VA_ARGS__; }
+/// The line of a row, the call in it as text, and the call itself, to be made on an animation `it`:
+/// an edit, and one that gives an animation or several.
+#define EDIT(...) __LINE__, #__VA_ARGS__, [](Animation& it) { __VA_ARGS__; }
+#define GIVES(...) __LINE__, #__VA_ARGS__, [](const Animation& it) { return all(__VA_ARGS__); }
+
+std::vector<Animation> all(std::vector<Animation> several) {
+    return several;
+}
+std::vector<Animation> all(const Animation& one) {
+    return {one};
+}
 
 TEST(EditTest, ExamplesOfEveryEdit) {
     const struct {
         const char* before;
+        int line;
         const char* call;
         void (*make)(Animation&);
         const char* after;
     } rows[] = {
-        {"a: H1:4", CALL(it.fillInLayer("a", 7)), "a: H1:4 W:3"},
-        {"a: H1:4", CALL(it.fillInLayer("b", 7)), "a: H1:4; b: W:7"},
+        {"a: H1:4", EDIT(it.fillInLayer("a", 7)), "a: H1:4 W:3"},
+        {"a: H1:4", EDIT(it.fillInLayer("b", 7)), "a: H1:4; b: W:7"},
 
-        {"a: H1:4 H2:6", CALL(it.insertInLayer("a", keys("H9:3"), 6)), "a: H1:4 H2:2 H9:3 H2:4"},
-        {"a: H1:4 H2:6", CALL(it.insertInLayer("a", keys("H9:3"), 4)), "a: H1:4 H9:3 H2:6"},
-        {"a: H1:4", CALL(it.insertInLayer("a", keys("H9:3"), 6)), "a: H1:4 W:2 H9:3"},
-        {"a: T0,8:8", CALL(it.insertInLayer("a", keys("H9:3"), 6)), "a: T0,6:6 H9:3 T6,8:2"},
-        {"a: H1:4", CALL(it.insertInLayer("b", keys(""), 6)), "a: H1:4"},
+        {"a: H1:4 H2:6", EDIT(it.replaceInLayer("a", 2, 5, keys("H9:3"))), "a: H1:2 H9:3 H2:3"},
+        {"a: H1:4 H2:6", EDIT(it.replaceInLayer("a", 2, 3, keys("H9:3"))), "a: H1:2 H9:3 H2:5"},
+        {"a: T0,8:8", EDIT(it.replaceInLayer("a", 2, 4, keys("W:1"))), "a: T0,2:2 W:1 T6,8:2"},
+        {"a: H1:4", EDIT(it.replaceInLayer("a", 2, 0, keys(""))), "a: H1:2 H1:2"},
+        {"a: H1:4", EDIT(it.replaceInLayer("b", 2, 5, keys(""))), "a: H1:4; b: "},
+        {"a: H1:4", EDIT(it.replaceInLayer("a", 6, 1, keys("H9:3"))), "a: H1:4 W:2 H9:3"},
+        {"a: H1:4", EDIT(it.replaceInLayer("a", 3, 9, keys("H9:3")[0])), "a: H1:3 H9:3"},
+        {"a: H1:4", EDIT(it.replaceInLayer("a", 1, 2, Hold, {2}, 6)), "a: H1:1 H2:6 H1:1"},
+        {"a: H1:4", EDIT(it.replaceInLayer("a", 1, 2, Hold, make_vector(2), 6)),
+         "a: H1:1 H2:6 H1:1"},
 
-        {"a: H1:4", CALL(it.insertInLayer("a", Transition, {0, 60}, 6, 3)), "a: H1:3 T0,60:6 H1:1"},
-        {"a: H1:4", CALL(it.insertInLayer("a", Hold, make_vector(2), 6, 3)), "a: H1:3 H2:6 H1:1"},
+        {"a: H1:4 H2:6", EDIT(it.insertInLayer("a", keys("H9:3"), 6)), "a: H1:4 H2:2 H9:3 H2:4"},
+        {"a: H1:4 H2:6", EDIT(it.insertInLayer("a", keys("H9:3"), 4)), "a: H1:4 H9:3 H2:6"},
+        {"a: H1:4", EDIT(it.insertInLayer("a", keys("H9:3"), 6)), "a: H1:4 W:2 H9:3"},
+        {"a: T0,8:8", EDIT(it.insertInLayer("a", keys("H9:3"), 6)), "a: T0,6:6 H9:3 T6,8:2"},
+        {"a: H1:4", EDIT(it.insertInLayer("b", keys(""), 6)), "a: H1:4"},
 
-        {"a: H1:4", CALL(it.pushBackInLayer("a", Hold, make_vector(3), 5)), "a: H1:4 H3:5"},
-        {"a: H1:4", CALL(it.pushBackInLayer("a", keys("H8:1 H9:3"))), "a: H1:4 H8:1 H9:3"},
-        {"a: H1:4", CALL(it.pushBackInLayer("b", keys(""))), "a: H1:4; b: "},
+        {"a: H1:4", EDIT(it.insertInLayer("a", Transition, {0, 60}, 6, 3)), "a: H1:3 T0,60:6 H1:1"},
+        {"a: H1:4", EDIT(it.insertInLayer("a", Hold, make_vector(2), 6, 3)), "a: H1:3 H2:6 H1:1"},
 
-        {"a: H1:4 H2:6", CALL(it.removeInLayer("a", 2, 5)), "a: H1:2 H2:3"},
-        {"a: H1:4 H2:6", CALL(it.removeInLayer("a", 2, 0)), "a: H1:2 H1:2 H2:6"},
-        {"a: T0,10:10", CALL(it.removeInLayer("a", 2, 5)), "a: T0,2:2 T7,10:3"},
+        {"a: H1:4", EDIT(it.pushBackInLayer("a", Hold, make_vector(3), 5)), "a: H1:4 H3:5"},
+        {"a: H1:4", EDIT(it.pushBackInLayer("a", keys("H8:1 H9:3"))), "a: H1:4 H8:1 H9:3"},
+        {"a: H1:4", EDIT(it.pushBackInLayer("b", keys(""))), "a: H1:4; b: "},
+
+        {"a: H1:4 H2:6", EDIT(it.removeInLayer("a", 2, 5)), "a: H1:2 H2:3"},
+        {"a: H1:4 H2:6", EDIT(it.removeInLayer("a", 2, 0)), "a: H1:2 H1:2 H2:6"},
+        {"a: T0,10:10", EDIT(it.removeInLayer("a", 2, 5)), "a: T0,2:2 T7,10:3"},
 
         // Wait shows the layer; what a run ends inside follows it whole; the layer is filled.
-        {"a: H1:4 H2:6 H3:5", CALL(it.overrideLayerWith("a", keys("W:4 H9:6"), 0)),
+        {"a: H1:4 H2:6 H3:5", EDIT(it.overrideLayerWith("a", keys("W:4 H9:6"), 0)),
          "a: H1:4 H9:6 H3:5"},
-        {"a: H1:4 H2:6", CALL(it.overrideLayerWith("a", keys("H9:3"), 2)), "a: H1:2 H9:3 H2:6"},
+        {"a: H1:4 H2:6", EDIT(it.overrideLayerWith("a", keys("H9:3"), 2)), "a: H1:2 H9:3 H2:6"},
         {"a: H1:4 H2:6",
-         CALL(it.removeInLayer("a", 5, 0); it.overrideLayerWith("a", keys("H9:3"), 2)),
+         EDIT(it.removeInLayer("a", 5, 0); it.overrideLayerWith("a", keys("H9:3"), 2)),
          "a: H1:2 H9:3 H2:5"},
-        {"a: H1:4; b: H2:6", CALL(it.overrideLayerWith("a", keys("H9:3"), 2)),
+        {"a: H1:4; b: H2:6", EDIT(it.overrideLayerWith("a", keys("H9:3"), 2)),
          "a: H1:2 H9:3 W:2; b: H2:6"},
-        {"a: H1:4", CALL(it.overrideLayerWith("a", keys("H9:3"), 6)), "a: H1:4 W:2 H9:3"},
+        {"a: H1:4", EDIT(it.overrideLayerWith("a", keys("H9:3"), 6)), "a: H1:4 W:2 H9:3"},
 
-        {"a: H1:6", CALL(it.insert(animation("b: H9:3"), 4)), "a: H1:4 W:3 H1:2; b: W:4 H9:3"},
-        {"a: H1:6 | 2 3", CALL(it.insert(animation("a: H9:3"), 2)), "a: H1:2 H9:3 H1:4 | 2 3"},
-        {"a: H1:6 | 2 3", CALL(it.insert(animation("a: H9:3"), 1)), "a: H1:1 H9:3 H1:5 | 5 3"},
-        {"a: H1:6 | 2 3", CALL(it.insert(animation("a: H9:3"), 4)), "a: H1:4 H9:3 H1:2 | 2 6"},
+        {"a: H1:6; b: H2:6", EDIT(it.replace(2, 3, animation("b: H9:2"))),
+         "a: H1:2 W:2 H1:1; b: H2:2 H9:2 H2:1"},
+        {"a: H1:8 | 4 4", EDIT(it.replace(3, 2, animation("a: H9:5"))), "a: H1:3 H9:5 H1:3 | 3 3"},
+        {"a: H1:8 | 4 4", EDIT(it.replace(2, 0, Animation())), "a: H1:8 | 4 4"},
 
-        {"a: H1:5 H2:3 | 2 3", CALL(it.pushBack(animation("a: H8:2 H9:4 | 2 1"), false, false)),
+        {"a: H1:6", EDIT(it.insert(animation("b: H9:3"), 4)), "a: H1:4 W:3 H1:2; b: W:4 H9:3"},
+        {"a: H1:6 | 2 3", EDIT(it.insert(animation("a: H9:3"), 2)), "a: H1:2 H9:3 H1:4 | 2 3"},
+        {"a: H1:6 | 2 3", EDIT(it.insert(animation("a: H9:3"), 1)), "a: H1:1 H9:3 H1:5 | 5 3"},
+        {"a: H1:6 | 2 3", EDIT(it.insert(animation("a: H9:3"), 4)), "a: H1:4 H9:3 H1:2 | 2 6"},
+        {"a: H1:6", EDIT(it.insert(animation("a: H9:3"), 3000000000)),
+         "a: H1:6 W:2999999994 H9:3 | 0 3"},
+
+        {"a: H1:5 H2:3 | 2 3", EDIT(it.pushBack(animation("a: H8:2 H9:4 | 2 1"), false, false)),
          "a: H1:5 H9:4 | 2 1"},
-        {"a: H1:5 H2:3 | 2 3", CALL(it.pushBack(animation("a: H8:2 H9:4 | 2 1"), true, true)),
+        {"a: H1:5 H2:3 | 2 3", EDIT(it.pushBack(animation("a: H8:2 H9:4 | 2 1"), true, true)),
          "a: H1:5 H2:3 H8:2 H9:4 | 2 1"},
 
-        {"a: H1:3 H2:5 | 3 0", CALL(it.remove(1, 4)), "a: H1:1 H2:3 | 1 0"},
-        {"a: H1:3 H2:5; b: H3:2 | 0 4", CALL(it.remove(6, 9)), "a: H1:3 H2:3; b: H3:2 | 0 2"},
+        {"a: H1:3 H2:5 | 3 0", EDIT(it.remove(1, 4)), "a: H1:1 H2:3 | 1 0"},
+        {"a: H1:3 H2:5; b: H3:2 | 0 4", EDIT(it.remove(6, 9)), "a: H1:3 H2:3; b: H3:2 | 0 2"},
 
         // The second layer is created and filled; its filler is cut, and the rest of that moved.
-        {"a: H1:4 H2:4", CALL(it.overrideLayersWith(animation("a: H9:4; b: H8:2"), 4)),
+        {"a: H1:4 H2:4", EDIT(it.overrideLayersWith(animation("a: H9:4; b: H8:2"), 4)),
          "a: H1:4 H9:4; b: W:4 H8:2 W:4"},
     };
     for (const auto& row : rows) {
         Animation it = animation(row.before);
         row.make(it);
-        EXPECT_EQ(it, animation(row.after)) << row.call << " of " << row.before;
+        EXPECT_EQ(it, animation(row.after))
+            << "line " << row.line << ": " << row.call << " of " << row.before;
     }
 }
 
 TEST(EditTest, ExamplesOfNewAnimations) {
-    using Pieces = std::vector<Animation>;
     const struct {
         const char* source;
+        int line;
         const char* call;
-        Pieces (*make)(const Animation&);
+        std::vector<Animation> (*make)(const Animation&);
         const char* pieces;
     } rows[] = {
-#undef CALL
-#define CALL(...) #__VA_ARGS__, [](const Animation& it) { return Pieces __VA_ARGS__; }
-        {"a: H1:2 H2:3 H3:1 | 2 1", CALL({it.loop(2, false, false)}),
+        {"a: H1:2 H2:3 H3:1 | 2 1", GIVES(it.loop(2, false, false)),
          "a: H1:2 H2:3 H2:3 H3:1 | 2 1"},
-        {"a: H1:2 H2:3 H3:1 | 2 1", CALL({it.loop(2, true, true)}),
+        {"a: H1:2 H2:3 H3:1 | 2 1", GIVES(it.loop(2, true, true)),
          "a: H1:2 H2:3 H3:1 H1:2 H2:3 H3:1 | 2 1"},
-        {"a: H1:2 H2:3 H3:1 | 2 1", CALL({it.loop(0, true, true)}), "a: H1:2 H3:1 | 2 1"},
-        {"a: H4:6 | 2 1", CALL({it.loop(2, false, false)}), "a: H4:2 H4:3 H4:4 | 2 1"},
+        {"a: H1:2 H2:3 H3:1 | 2 1", GIVES(it.loop(0, true, true)), "a: H1:2 H3:1 | 2 1"},
+        {"a: H4:6 | 2 1", GIVES(it.loop(2, false, false)), "a: H4:2 H4:3 H4:4 | 2 1"},
 
-        {"a: H1:4 T0,6:6 | 5 3", CALL((it.splitAt(6, true, true))),
+        {"a: H1:4 T0,6:6 | 5 3", GIVES(it.splitAt(6, true, true)),
          "a: H1:4 T0,2:2 | 5 0 / a: T2,6:4"},
-        {"a: H1:4 H2:6 | 0 3", CALL((it.splitAt({3, 9}, true, true))),
+        {"a: H1:4 H2:6 | 0 3", GIVES(it.splitAt({3, 9}, true, true)),
          "a: H1:3 / a: H1:1 H2:5 | 0 2 / a: H2:1"},
-        {"a: H1:4 H2:6 | 0 3", CALL((it.splitAt({3, 9}, false, false))),
+        {"a: H1:4 H2:6 | 0 3", GIVES(it.splitAt({3, 9}, false, false)),
          "a: H1:3 / a: H1:1 H2:5 / a: H2:1"},
-        {"a: H1:4 H2:6 | 0 3", CALL((it.splitEach(4, true, true))),
+        {"a: H1:4 H2:6 | 0 3", GIVES(it.splitEach(4, true, true)),
          "a:  / a: H1:4 / a: H2:4 | 0 1 / a: H2:2"},
-#undef CALL
     };
     for (const auto& row : rows)
         EXPECT_EQ(row.make(animation(row.source)), animations(row.pieces))
-            << row.call << " of " << row.source;
+            << "line " << row.line << ": " << row.call << " of " << row.source;
 }
 
 TEST(EditTest, IntroBodyAndOutroAreAppendedToMaps) {

@@ -26,15 +26,22 @@ struct Frame {
     }
 };
 
+/// A frame that no list holds, and the one that stands for it in lists: after all others.
+constexpr unsigned int farFrames = 2147483648;
+constexpr unsigned int farFramesOfModel = 500;
+
 struct Frames : std::vector<Frame> {
     using vector::vector;
     Frames(const KeyVector& layer) {
-        for (const auto& [command, duration] : layer)
-            for (unsigned int i = 0; i < duration; ++i) {
+        for (const auto& [command, duration] : layer) {
+            const bool far = duration > farFrames / 2; // a Wait key that fills up to there
+            const unsigned int frames = far ? duration - farFrames + farFramesOfModel : duration;
+            for (unsigned int i = 0; i < frames; ++i) {
                 const double start = command.args.empty() ? 0 : command.args.front();
                 const double way = command.args.empty() ? 0 : command.args.back() - start;
                 push_back({i == 0, command.effect, start + way * i / duration});
             }
+        }
     }
 
     /// The frames [from, to), as far as there are any; a key begins with them.
@@ -124,6 +131,10 @@ struct Model {
     }
 
     void fillInLayer(Name name, Count frames) { layers[name] = layers[name].filled(frames); }
+    void replaceInLayer(Name name, Count start, Count count, const KeyVector& keys) {
+        removeInLayer(name, start, count);
+        insertInLayer(name, keys, start);
+    }
     void insertInLayer(Name name, const KeyVector& keys, Count frame) {
         if (!keys.empty())
             layers[name] = layers[name].inserted(keys, frame);
@@ -143,6 +154,11 @@ struct Model {
             overrideLayerWith(name, keys, frame);
     }
 
+    void replace(Count start, Count count, const Model& given) {
+        const Model other = given.copy();
+        remove(start, count);
+        insert(other, start);
+    }
     void insert(const Model& given, Count frame) {
         Model other = given.copy();
         const Count length = other.duration(), begin = outroBegin();

@@ -28,17 +28,33 @@ struct Subject {
     Model model;
 };
 
-#define KIV_OPERATIONS                                                                             \
-    insertKeysInLayer, insertKeyInLayer, pushBackInLayer, fillInLayer, removeInLayer,              \
-        overrideLayerWith, insert, pushBack, remove, overrideLayersWith, construct, setSizes,      \
-        loop, splitAt, splitEach, introBodyOutroLayers
-enum class Operation { KIV_OPERATIONS };
+enum class Operation {
+    replaceInLayer,
+    insertKeysInLayer,
+    insertKeyInLayer,
+    pushBackInLayer,
+    fillInLayer,
+    removeInLayer,
+    overrideLayerWith,
+    replace,
+    insert,
+    pushBack,
+    remove,
+    overrideLayersWith,
+    construct,
+    setSizes,
+    loop,
+    splitAt,
+    splitEach,
+    introBodyOutroLayers
+};
 constexpr auto operationCount = static_cast<unsigned int>(Operation::introBodyOutroLayers) + 1;
 
 /// One call: the operation, and all arguments that any of them takes.
 struct Step {
     Operation operation;
     unsigned int frame;
+    bool far; ///< So far after that frame that no list of frames would hold it.
     unsigned int count;
     bool first;  ///< The first flag of those that take two.
     bool second; ///< And the second.

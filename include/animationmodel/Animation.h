@@ -155,6 +155,48 @@ public:
     /// created empty. Costs the keys of the layer.
     void fillInLayer(const std::string& name, unsigned int frames);
 
+    /// Puts `keys` in the place of the frames [start, start + count); what lay after them follows.
+    ///
+    ///     before  | A A A A | B B B B B B |            replaceInLayer("led", 2, 5, X(3))
+    ///     after   | A A | X X X | B B B |
+    ///
+    /// This leaves exactly what `removeInLayer(name, start, count)` and then
+    /// `insertInLayer(name, keys, start)` would, in one walk that succeeds or changes nothing. Keys
+    /// that the range begins or ends inside are cut there. `Wait` keys replace like all others.
+    ///
+    /// With a `count` of the total of `keys`, everything after them stays in its place:
+    ///
+    ///     before  | A A A A | B B B B B B |            replaceInLayer("led", 2, 3, X(3))
+    ///     after   | A A | X X X | B B B B B |
+    ///
+    /// A range that reaches past the end, or past 2^32 - 1, goes to the end. If the layer ends
+    /// before `start`, one `Wait` key fills it up to there first. Without `keys` nothing is filled;
+    /// a missing layer is created empty, and with a `count` of 0 the key that `start` falls inside
+    /// is cut all the same. Costs the keys up to the range's end, and those that move or come in.
+    void replaceInLayer(const std::string& name, unsigned int start, unsigned int count,
+                        const KeyVector& keys);
+    /// The same with one key.
+    void replaceInLayer(const std::string& name, unsigned int start, unsigned int count,
+                        const AnimationKey& key);
+    /// The same with keys in braces; `{}` stands for no keys.
+    void replaceInLayer(const std::string& name, unsigned int start, unsigned int count,
+                        std::initializer_list<AnimationKey> keys) {
+        replaceInLayer(name, start, count, KeyVector(keys));
+    }
+    /// The same with one key of `duration` frames. Throws std::invalid_argument where the
+    /// constructors of its command and of the key do.
+    void replaceInLayer(const std::string& name, unsigned int start, unsigned int count,
+                        AnimationKeyCommandEffect effect, const std::vector<float>& args,
+                        unsigned int duration) {
+        replaceInLayer(name, start, count, AnimationKey({effect, args}, duration));
+    }
+    /// The same with arguments in braces; `{}` stands for no arguments.
+    void replaceInLayer(const std::string& name, unsigned int start, unsigned int count,
+                        AnimationKeyCommandEffect effect, std::initializer_list<float> args,
+                        unsigned int duration) {
+        replaceInLayer(name, start, count, AnimationKey({effect, args}, duration));
+    }
+
     /// Inserts `keys` at `frame`; what stood there follows them.
     ///
     ///     before  | A A A A | B B B B B B |            insertInLayer("led", X(3), 6)
@@ -267,6 +309,23 @@ public:
     /// \name Editing all layers
     /// `fps` stays as it is, and layers are not filled afterwards.
     /// @{
+
+    /// Puts `other` in the place of the frames [start, start + count) of every layer, as
+    /// `replaceInLayer` does.
+    ///
+    ///     before  L | A A A A A A |         replace(2, 3, M = Y(2))
+    ///     after   L | A A | ~ ~ | A |
+    ///             M | ~ ~ | Y Y |
+    ///
+    /// This leaves exactly what `remove(start, count)` and then `insert(other, start)` would, sizes
+    /// included, but succeeds or changes nothing. So a layer that `other` lacks gets a `Wait` key
+    /// in the place of the range: to replace frames of some layers alone, call `replaceInLayer` for
+    /// each of them.
+    ///
+    /// An `other` without keys only removes the range; with a `count` of 0 it changes nothing, and
+    /// cuts nothing either. `other` is filled and checked like a copy; what that throws leaves this
+    /// animation unchanged. Costs all keys of both.
+    void replace(unsigned int start, unsigned int count, Animation other);
 
     /// Inserts `other` at `frame` into every layer, as `insertInLayer` does.
     ///

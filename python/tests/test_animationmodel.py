@@ -78,6 +78,17 @@ def test_keys_are_their_own_after_an_operation():
     assert show.layer("lamp")[1:] == lamp().layer("lamp")
 
 
+def test_replacing_is_removing_and_inserting():
+    replaced, edited, flash = lamp(), lamp(), [Key(Hold, [7], 3)]
+    replaced.replace_in_layer("lamp", 2, 5, flash)
+    replaced.replace(4, 9, lamp())
+    edited.remove_in_layer("lamp", 2, 5)
+    edited.insert_in_layer("lamp", flash, 2)
+    edited.remove(4, 9)
+    edited.insert(lamp(), 4)
+    assert replaced == edited
+
+
 def test_copies_and_files_are_equal():
     edited = lamp()
     edited.layers["\N{BULLET}"] = [Key(Effect(-7), [], 1), Key(Hold, [float("-inf")], 2**32 - 1)]
