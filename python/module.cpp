@@ -206,7 +206,7 @@ std::string str(const Type& value) {
 }
 
 std::string repr(float value) {
-    const std::string text = json_file::shortest(value);
+    const std::string text = shortest_text(value);
     return std::isfinite(value) ? text : "float('" + text + "')";
 }
 

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <iosfwd>
+#include <string>
 #include <vector>
 
 namespace Kiv {
@@ -58,8 +59,12 @@ private:
     AnimationKeyCommand(AnimationKeyCommandEffect effect, const float* args, std::size_t given);
 };
 
+/// The shortest text that reads back as `value`, both as a float and as a double that is rounded to
+/// one: "0.1", "1e+05", "-0", "nan", "-inf". The same in every locale.
+ANIMATIONMODEL_EXPORT std::string shortest_text(float value);
+
 /// Writes "Transition (0, 0.1)", "Wait" or, for an effect without a name, "Effect 7": the same in
-/// every locale, floats in the shortest text that reads back as the same float.
+/// every locale, floats as `shortest_text` does.
 ANIMATIONMODEL_EXPORT std::ostream& operator<<(std::ostream& out,
                                                const AnimationKeyCommand& command);
 

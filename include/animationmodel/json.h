@@ -5,15 +5,11 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <iomanip>
 #include <iterator>
 #include <limits>
-#include <locale>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -217,45 +213,13 @@ Animation animation_of(const Json& file) {
     return result;
 }
 
-/// The shortest number that, read as a double, gives `value` as the nearest float.
-inline std::string shortest(float value) {
-#ifdef __cpp_lib_to_chars
-    char text[40];
-    double number = 0;
-    auto* end = std::to_chars(text, std::end(text), value).ptr;
-    std::from_chars(text, end, number);
-    if (static_cast<float>(number) != value) // 7.038531e-26: halfway to the next float
-        end = std::to_chars(text, std::end(text), value, std::chars_format::scientific, 7).ptr;
-    return {text, end};
-#else
-    const auto written = [value](std::ios::fmtflags notation, int decimals) {
-        std::ostringstream text;
-        text.imbue(std::locale::classic());
-        text.setf(notation, std::ios::floatfield);
-        text << std::setprecision(decimals) << value;
-        return text.str();
-    };
-    for (int decimals = 0;; ++decimals) {
-        const std::string text = written(std::ios::scientific, decimals);
-        std::istringstream in(text);
-        in.imbue(std::locale::classic());
-        double number = 0;
-        in >> number;
-        if (static_cast<float>(number) != value && decimals < 16)
-            continue;
-        const int exponent = std::stoi(text.substr(text.find('e') + 1));
-        const std::string fixed = written(std::ios::fixed, std::max(0, decimals - exponent));
-        return fixed.size() <= text.size() ? fixed : text;
-    }
-#endif
-}
-
 inline std::string text_of(float value) {
     if (std::isnan(value))
         return "\"nan\"";
     if (std::isinf(value))
         return value < 0 ? "\"-inf\"" : "\"inf\"";
-    return value == 0 && std::signbit(value) ? "-0.0" : shortest(value); // -0 would be an integer
+    return value == 0 && std::signbit(value) ? "-0.0"
+                                             : shortest_text(value); // -0 would be an integer
 }
 
 /// Appends the text of one key.
