@@ -57,8 +57,9 @@ TEST(AnimationKeyTest, SplitsAtAFrameAndEachSoManyFrames) {
 
 TEST(AnimationKeyTest, RefusesNoFrames) {
     const AnimationKey key(Wait, 5);
-    EXPECT_EQ(refusal([&] { key.splitEach(0); }), "Could not split AnimationKey each 0 frame: This "
-                                                  "number should be strictly higher than 0");
+    EXPECT_EQ(refusal([&] { return key.splitEach(0); }),
+              "Could not split AnimationKey each 0 frame: This "
+              "number should be strictly higher than 0");
     EXPECT_EQ(refusal([] { AnimationKey(Wait, 0); }),
               "Duration of AnimationKeyCommand must be > 0");
 }

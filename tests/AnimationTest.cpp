@@ -105,9 +105,9 @@ TEST(AnimationTest, AnswersForItsLayers) {
     const Animation it = animation("a: ; b: H1:20 N:30; c: W:30");
     EXPECT_TRUE(it.hasLayer("a"));
     EXPECT_FALSE(it.hasLayer("x y"));
-    EXPECT_EQ(refusal([&] { it.layer("x y"); }),
+    EXPECT_EQ(refusal([&] { return it.layer("x y"); }),
               "Layer name given as parameter (x y) does not exist in animation");
-    EXPECT_EQ(refusal([&] { it.layer(std::string("x\0y", 3)); }),
+    EXPECT_EQ(refusal([&] { return it.layer(std::string("x\0y", 3)); }),
               "Layer name given as parameter (x"); // a NUL ends what() early, as it is in the name
     EXPECT_EQ(it.layers.size(), 3U);
 }
@@ -121,7 +121,7 @@ TEST(AnimationTest, TellsTimesInFramesAndSeconds) {
     EXPECT_EQ(it.durationInSeconds(), 2);
     EXPECT_EQ(it.simulatedDurationInSeconds(100), 0.5F);
     EXPECT_TRUE(std::isnan(it.simulatedDurationInSeconds(NAN)));
-    EXPECT_EQ(refusal([&] { it.simulatedDurationInSeconds(0); }),
+    EXPECT_EQ(refusal([&] { return it.simulatedDurationInSeconds(0); }),
               "Simulated FPS given as argument should be different from 0 to calculate duration in "
               "seconds");
     it.setFPSToFitDurationInSeconds(4);

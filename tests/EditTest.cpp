@@ -151,10 +151,10 @@ TEST(EditTest, LoopsUpToTheLimit) {
         "2147483648";
     const Animation intro = animation("a: H1:1 H2:1073741823 | 1 0");
     EXPECT_EQ(intro.loop(2, false, false).durationInFrames(), 2147483647U);
-    EXPECT_EQ(refusal([&] { intro.loop(2, true, false); }), refused);
+    EXPECT_EQ(refusal([&] { return intro.loop(2, true, false); }), refused);
     const Animation outro = animation("a: H1:1 H2:1073741823 | 0 1");
     EXPECT_EQ(outro.loop(2, false, false).durationInFrames(), 2147483647U);
-    EXPECT_EQ(refusal([&] { outro.loop(2, false, true); }), refused);
+    EXPECT_EQ(refusal([&] { return outro.loop(2, false, true); }), refused);
     const Animation bodiless = animation("a: T0,30:3 | 2 1");
     EXPECT_EQ(bodiless.loop(4294967295, false, false), bodiless);
 }
@@ -164,7 +164,8 @@ TEST(EditTest, LoopsCheckTheDefaultFrameRateOnlyWhereTheyRepeat) {
     some.fps = 40;
     Animation::defaultFps = 0;
     EXPECT_EQ(some.loop(1, false, false), some);
-    EXPECT_EQ(refusal([&] { some.loop(2, false, false); }), "FPS should be strictly higher than 0");
+    EXPECT_EQ(refusal([&] { return some.loop(2, false, false); }),
+              "FPS should be strictly higher than 0");
     Animation::defaultFps = 25;
 }
 
@@ -190,13 +191,14 @@ TEST(EditTest, PiecesKeepTheFrameRate) {
     it.fps = 40;
     EXPECT_EQ(it.splitAt(0, true, true)[1].fps, 40);
     it.fps = 0;
-    EXPECT_EQ(refusal([&] { it.splitAt(2, true, true); }), "FPS should be strictly higher than 0");
+    EXPECT_EQ(refusal([&] { return it.splitAt(2, true, true); }),
+              "FPS should be strictly higher than 0");
 }
 
 TEST(EditTest, SplitsEachSoManyFramesUpToTheLimit) {
     const Animation longest = animation("a: W:4294967295");
     EXPECT_EQ(longest.splitEach(1U << 31, true, true).size(), 3U);
-    EXPECT_EQ(refusal([&] { longest.splitEach(0, true, true); }),
+    EXPECT_EQ(refusal([&] { return longest.splitEach(0, true, true); }),
               "Could not split Animation each 0 frame: This number should be strictly higher than "
               "0");
 }

@@ -117,7 +117,7 @@ TEST(JsonTest, RefusesWhatIsNoAnimation) {
     for (const auto& row : rows) {
         EXPECT_EQ(refusal([&] { static_cast<void>(json::parse(row.text).get<Animation>()); }),
                   row.expected);
-        EXPECT_EQ(refusal([&] { animation_from_json(row.text); }), row.expected);
+        EXPECT_EQ(refusal([&] { return animation_from_json(row.text); }), row.expected);
     }
 }
 
@@ -134,7 +134,7 @@ TEST(JsonTest, RefusesTextsThatCannotBeRead) {
         {deep + std::string(deep.size(), ']'), "needs an object with layers, not array"},
     };
     for (const auto& row : rows)
-        EXPECT_EQ(refusal([&] { animation_from_json(row.text); }), row.expected);
+        EXPECT_EQ(refusal([&] { return animation_from_json(row.text); }), row.expected);
 }
 
 TEST(JsonTest, RefusesToWriteWhatCouldNotBeRead) {

@@ -206,8 +206,8 @@ Outcome<Animation> attempt_with_little_memory(Animation& it, const Animation& ot
 /// What the steps of a program do not call.
 void call_with_extremes(const Step& step) {
     for (const AnimationKey& key : step.keys) {
-        key.splitAt(step.frame);
-        refusal([&] { key.splitEach(step.count); });
+        drop(key.splitAt(step.frame));
+        refusal([&] { return key.splitEach(step.count); });
         refusal([&] { Rotation(0, INFINITY, step.frame, key.duration, step.count); });
     }
 }

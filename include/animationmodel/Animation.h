@@ -8,6 +8,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -51,18 +52,23 @@ using LayerMap = std::map<std::string, KeyVector>;
 ///     a question        nothing; `layer` a list of keys
 ///     one layer         once at most, and an entry for a layer that is created
 ///     all layers        once at most for each layer, an entry for each one created, and lists
-///     new layers        once for each and an entry; again for one that is filled or cut; and lists
+///     new layers        once for each and an entry; twice for one that is filled or cut; and lists
 ///
 /// There are up to three lists, with an item for each layer: its length, or its edit. Splitting
-/// also has lists of its cuts and of its pieces, `loop` one of the keys that it repeats, and
-/// arguments in braces a list of their own. A layer that has to grow takes up to twice its size.
-/// While an operation runs, the layers exist as they were and as they will be. An argument that is
-/// taken by value is a copy of its own, unless it is moved in.
+/// also has lists of its cuts and of its pieces, and `loop` one of the keys that it repeats. Keys
+/// in braces, and a single key that overrides, are a list of their own. A layer that has to grow
+/// takes up to twice its size. While an operation runs, the layers exist as they were and as they
+/// will be. An argument that is taken by value is a copy of its own, unless it is moved in; layers
+/// of it that have to be filled allocate once more.
 ///
 /// Distinct animations share nothing but `defaultFps`. Const operations may run at the same time.
 class ANIMATIONMODEL_EXPORT Animation {
-    struct NoLayer { // nothing can be made one, `{}` neither
-        explicit NoLayer(const NoLayer&) = delete;
+    /// What stands in braces: a name and its keys. The name is of any type that converts to one, so
+    /// that it cannot be in braces itself.
+    struct NamedLayer : LayerMap::value_type {
+        template <class Name,
+                  class = std::enable_if_t<std::is_convertible_v<const Name&, std::string>>>
+        NamedLayer(const Name& name, const KeyVector& keys) : pair(name, keys) {}
     };
 
 public:
@@ -76,11 +82,12 @@ public:
     /// No layers, at `fps` frames per second. Throws std::invalid_argument if it is 0 or less.
     explicit Animation(float fps);
 
-    /// What `Animation({})` and `Animation{{}}` call: no layers, as by default.
-    Animation(std::initializer_list<NoLayer> /*none*/) : Animation() {}
-
     /// Copies of `layers`, without intro and outro, at `defaultFps`. Fills and checks.
     Animation(const LayerMap& layers);
+
+    /// The same with layers in braces, `Animation({{"lamp", keys}})`. `{}` stands for no layers.
+    Animation(std::initializer_list<NamedLayer> layers)
+        : Animation(LayerMap(layers.begin(), layers.end())) {}
 
     /// Copies of `layers` with an intro and an outro of so many frames. Fills and checks.
     Animation(const LayerMap& layers, unsigned int introSize, unsigned int outroSize);
@@ -107,38 +114,40 @@ public:
     /// \name Questions
     /// @{
 
-    /// A copy of the keys of a layer. To change one in place use the operations below, or take it
-    /// from `layers`: `animation.layers.at(name)[0].duration = 5`.
+    /// A copy of the keys of a layer; `animation.layer(name).push_back(key)` changes the copy
+    /// alone. To change the layer use the operations below, or take it from `layers`:
+    /// `animation.layers.at(name)[0].duration = 5`.
     /// Throws std::invalid_argument, naming it, if there is no layer of that name.
-    KeyVector layer(const std::string& name) const;
+    [[nodiscard]] KeyVector layer(const std::string& name) const;
 
-    /// Whether there is a layer of that name, be it empty.
-    bool hasLayer(const std::string& name) const;
+    /// Whether there is a layer of that name, even an empty one.
+    [[nodiscard]] bool hasLayer(const std::string& name) const;
 
     /// Whether no layer holds a key.
-    bool empty() const;
+    [[nodiscard]] bool empty() const;
 
     /// Frames of the longest layer; 0 without keys. Costs all keys.
-    unsigned int durationInFrames() const;
+    [[nodiscard]] unsigned int durationInFrames() const;
     /// Frames of the longest of `layers`; 0 without keys.
-    static unsigned int durationInFramesOf(const LayerMap& layers);
+    [[nodiscard]] static unsigned int durationInFramesOf(const LayerMap& layers);
     /// Frames of one layer; 0 if it is empty.
-    static unsigned int durationInFramesOf(const KeyVector& layer);
-    /// The same for keys in braces; `{}` is none.
-    static unsigned int durationInFramesOf(std::initializer_list<AnimationKey> layer) {
+    [[nodiscard]] static unsigned int durationInFramesOf(const KeyVector& layer);
+    /// The same for keys in braces; `{}` stands for no keys.
+    [[nodiscard]] static unsigned int
+    durationInFramesOf(std::initializer_list<AnimationKey> layer) {
         return durationInFramesOf(KeyVector(layer));
     }
 
     /// The first frame of the outro: the duration minus `outroSize`. Without an outro that is the
     /// duration itself; 0 if the outro is longer than the animation. Costs all keys.
-    unsigned int outroStartFrame() const;
+    [[nodiscard]] unsigned int outroStartFrame() const;
 
     /// Seconds at `fps`, as an absolute value. An `fps` of 0 gives infinity, or NaN without keys.
-    float durationInSeconds() const;
+    [[nodiscard]] float durationInSeconds() const;
 
     /// Seconds at another frame rate, which may be NaN.
     /// Throws std::invalid_argument if it is 0 or less.
-    float simulatedDurationInSeconds(float fps) const;
+    [[nodiscard]] float simulatedDurationInSeconds(float fps) const;
 
     /// @}
     /// \name Editing one layer
@@ -208,16 +217,16 @@ public:
     void insertInLayer(const std::string& name, const KeyVector& keys, unsigned int frame);
     /// The same with one key.
     void insertInLayer(const std::string& name, const AnimationKey& key, unsigned int frame);
-    /// The same with keys in braces; `{}` is none.
+    /// The same with keys in braces; `{}` stands for no keys.
     void insertInLayer(const std::string& name, std::initializer_list<AnimationKey> keys,
                        unsigned int frame) {
         insertInLayer(name, KeyVector(keys), frame);
     }
-    /// The same with one key built from `effect`, `args` and `duration`, for whose mismatch it
-    /// throws std::invalid_argument as the constructors of the command and of the key do.
+    /// The same with one key of `duration` frames. Throws std::invalid_argument where the
+    /// constructors of its command and of the key do.
     void insertInLayer(const std::string& name, AnimationKeyCommandEffect effect,
                        const std::vector<float>& args, unsigned int duration, unsigned int frame);
-    /// The same with arguments in braces; `{}` is none.
+    /// The same with arguments in braces; `{}` stands for no arguments.
     void insertInLayer(const std::string& name, AnimationKeyCommandEffect effect,
                        std::initializer_list<float> args, unsigned int duration,
                        unsigned int frame);
@@ -232,15 +241,15 @@ public:
     void pushBackInLayer(const std::string& name, const KeyVector& keys);
     /// The same with one key.
     void pushBackInLayer(const std::string& name, const AnimationKey& key);
-    /// The same with keys in braces; `{}` is none.
+    /// The same with keys in braces; `{}` stands for no keys.
     void pushBackInLayer(const std::string& name, std::initializer_list<AnimationKey> keys) {
         pushBackInLayer(name, KeyVector(keys));
     }
-    /// The same with one key built from `effect`, `args` and `duration`, for whose mismatch it
-    /// throws std::invalid_argument as the constructors of the command and of the key do.
+    /// The same with one key of `duration` frames. Throws std::invalid_argument where the
+    /// constructors of its command and of the key do.
     void pushBackInLayer(const std::string& name, AnimationKeyCommandEffect effect,
                          const std::vector<float>& args, unsigned int duration);
-    /// The same with arguments in braces; `{}` is none.
+    /// The same with arguments in braces; `{}` stands for no arguments.
     void pushBackInLayer(const std::string& name, AnimationKeyCommandEffect effect,
                          std::initializer_list<float> args, unsigned int duration);
 
@@ -286,19 +295,19 @@ public:
     void overrideLayerWith(const std::string& name, const AnimationKey& key, unsigned int frame) {
         overrideLayerWith(name, KeyVector{key}, frame);
     }
-    /// The same with keys in braces; `{}` is none.
+    /// The same with keys in braces; `{}` stands for no keys.
     void overrideLayerWith(const std::string& name, std::initializer_list<AnimationKey> keys,
                            unsigned int frame) {
         overrideLayerWith(name, KeyVector(keys), frame);
     }
-    /// The same with one key built from `effect`, `args` and `duration`, for whose mismatch it
-    /// throws std::invalid_argument as the constructors of the command and of the key do.
+    /// The same with one key of `duration` frames. Throws std::invalid_argument where the
+    /// constructors of its command and of the key do.
     void overrideLayerWith(const std::string& name, AnimationKeyCommandEffect effect,
                            const std::vector<float>& args, unsigned int duration,
                            unsigned int frame) {
         overrideLayerWith(name, AnimationKey({effect, args}, duration), frame);
     }
-    /// The same with arguments in braces; `{}` is none.
+    /// The same with arguments in braces; `{}` stands for no arguments.
     void overrideLayerWith(const std::string& name, AnimationKeyCommandEffect effect,
                            std::initializer_list<float> args, unsigned int duration,
                            unsigned int frame) {
@@ -307,7 +316,8 @@ public:
 
     /// @}
     /// \name Editing all layers
-    /// `fps` stays as it is, and layers are not filled afterwards.
+    /// `fps` stays as it is, and layers are not filled afterwards. The frame rate of another
+    /// animation plays no part: its frames are taken as they are.
     /// @{
 
     /// Puts `other` in the place of the frames [start, start + count) of every layer, as
@@ -334,7 +344,8 @@ public:
     ///             M | ~ ~ ~ ~ | Y Y Y |
     ///
     /// A layer that `other` lacks gets a `Wait` key in its place. A layer that only `other` has is
-    /// created, with a `Wait` key up to `frame` and none after.
+    /// created, with a `Wait` key up to `frame` and none after. Equal to `replace(frame, 0,
+    /// other)`.
     ///
     /// `introSize` grows by the frames inserted if `frame` is less than it; at `frame` equal to it
     /// they belong to the body. `outroSize` grows if `frame` is greater than the outro's first
@@ -381,9 +392,9 @@ public:
     /// Sizes stay; an `other` without layers changes nothing. Costs all keys of both.
     void overrideLayersWith(const Animation& other, unsigned int frame);
 
-    /// Sets `fps` to the duration in frames over `seconds`, so that the animation lasts so long.
-    /// Without keys that is 0, for a NaN it is NaN, and for the smallest floats infinity. Throws
-    /// std::invalid_argument if `seconds` is 0 or less.
+    /// Sets `fps` to the duration in frames over `seconds`, so that the animation lasts so long. No
+    /// key moves. Without keys or for an infinite `seconds` that is 0, for a NaN it is NaN, and for
+    /// the smallest floats infinity. Throws std::invalid_argument if `seconds` is 0 or less.
     void setFPSToFitDurationInSeconds(float seconds);
 
     /// Back to no layers, sizes 0 and `defaultFps`, which is not checked.
@@ -394,8 +405,8 @@ public:
     /// @{
 
     /// Appends the keys of the intro, the body and the outro of each layer to the layers of that
-    /// name in the three maps, creating those that are missing, be they empty. Keys across the
-    /// intro's end or the outro's start are cut there.
+    /// name in the three maps, creating those that are missing, even if they stay empty. Keys
+    /// across the intro's end or the outro's start are cut there.
     ///
     ///     layer   | A A A A | B B B B B B |      introSize 3, outroSize 2
     ///     parts   | A A A   | A | B B B B | B B |
@@ -422,7 +433,7 @@ public:
     /// std::invalid_argument where the copy constructor does, if `defaultFps` is 0 or less with a
     /// `count` above 1 and any layer, and if the result would last 2^31 frames or more. Costs the
     /// keys of this animation and of the result.
-    Animation loop(unsigned int count, bool repeatIntro, bool repeatOutro) const;
+    [[nodiscard]] Animation loop(unsigned int count, bool repeatIntro, bool repeatOutro) const;
 
     /// The piece before `frame` and the piece from it on. Keys across the cut are cut there.
     ///
@@ -442,16 +453,17 @@ public:
     /// it have in the piece is counted.
     ///
     /// Throws std::invalid_argument if `fps` is 0 or less. Costs all keys.
-    std::vector<Animation> splitAt(unsigned int frame, bool keepIntro, bool keepOutro) const;
+    [[nodiscard]] std::vector<Animation> splitAt(unsigned int frame, bool keepIntro,
+                                                 bool keepOutro) const;
 
     /// The same for several cuts, in ascending order: one piece more than `frames`.
     /// Costs all keys and a layer entry for each layer of each piece.
-    std::vector<Animation> splitAt(std::set<unsigned int> frames, bool keepIntro,
-                                   bool keepOutro) const;
+    [[nodiscard]] std::vector<Animation> splitAt(std::set<unsigned int> frames, bool keepIntro,
+                                                 bool keepOutro) const;
 
-    /// The same for cuts in braces; `{}` is none.
-    std::vector<Animation> splitAt(std::initializer_list<unsigned int> frames, bool keepIntro,
-                                   bool keepOutro) const {
+    /// The same for cuts in braces; `{}` stands for no cuts.
+    [[nodiscard]] std::vector<Animation> splitAt(std::initializer_list<unsigned int> frames,
+                                                 bool keepIntro, bool keepOutro) const {
         return splitAt(std::set<unsigned int>(frames), keepIntro, keepOutro);
     }
 
@@ -463,7 +475,8 @@ public:
     /// The first piece is therefore always empty, and the last one too if `step` divides the
     /// duration. Throws std::invalid_argument if `step` is 0 or `fps` is 0 or less.
     /// Costs all keys and a layer entry for each layer of each piece: duration / `step` + 2 pieces.
-    std::vector<Animation> splitEach(unsigned int step, bool keepIntro, bool keepOutro) const;
+    [[nodiscard]] std::vector<Animation> splitEach(unsigned int step, bool keepIntro,
+                                                   bool keepOutro) const;
 
     /// @}
 

@@ -34,13 +34,17 @@ public:
     ///     frame x (end - start) / duration + start
     ///
     /// Each step is rounded to single precision, from left to right. Frames above 2^24 are rounded
-    /// too. A product beyond the floats' range is infinite.
+    /// too. A product beyond the floats' range is infinite. (A program built with -ffast-math gets
+    /// other values: it lets its processor take the smallest floats for 0.)
+    ///
+    /// Between cuts, values are computed from those at the cuts. So they may differ by some
+    /// roundings from what the key had there before it was cut.
     ///
     /// The pieces of all other effects carry the same command. So do those of a `Transition` whose
     /// arguments are not two, because someone has set its fields: it is cut as if it did not move.
     /// At frame 0, and at the end or past it, there is nothing to cut: the result is one copy of
     /// the key.
-    KeyVector splitAt(unsigned int frame) const;
+    [[nodiscard]] KeyVector splitAt(unsigned int frame) const;
 
     /// The key cut into pieces of `step` frames and one last piece of what remains, 1 to `step`
     /// frames long. A key of `step` frames or fewer is returned as one copy.
@@ -54,7 +58,7 @@ public:
     /// last bit where they are near 0; and where a product there is infinite, it may not be here. A
     /// `Transition` without two arguments does not move. Throws std::invalid_argument if `step` is
     /// 0. Costs the pieces.
-    KeyVector splitEach(unsigned int step) const;
+    [[nodiscard]] KeyVector splitEach(unsigned int step) const;
 
     friend bool operator==(const AnimationKey& a, const AnimationKey& b) noexcept {
         return a.command == b.command && a.duration == b.duration;

@@ -16,10 +16,12 @@ namespace Kiv {
 
 /// The arguments of one command: up to two floats, kept inside the command.
 ///
-/// It follows `std::inplace_vector<float, 2>`, a vector with a capacity of 2, and also converts
-/// from and to a `std::vector<float>`. What would hold more than two throws std::bad_alloc and
-/// changes nothing; `try_push_back` returns null instead. `at` throws std::out_of_range. All other
-/// access has to be to an element that is there, or to room for one. Copies share nothing.
+/// It follows `std::inplace_vector<float, 2>`, a vector with a capacity of 2, without
+/// `try_emplace_back`, `unchecked_emplace_back`, `append_range`, `try_append_range`, `assign_range`
+/// and `insert_range`. It also converts from and to a `std::vector<float>`. What would hold more
+/// than two throws std::bad_alloc and changes nothing; `try_push_back` returns null instead. `at`
+/// throws std::out_of_range. All other access has to be to an element that is there, or to room for
+/// one. Copies share nothing.
 ///
 /// It is a trivial type, for layers are copied by one plain memory copy. So `AnimationKeyArgs a{}`
 /// is empty, but `AnimationKeyArgs a` holds nothing that may be read, like `float b`.
@@ -87,8 +89,8 @@ public:
     constexpr auto rend() const noexcept { return const_reverse_iterator(begin()); }
     constexpr auto crend() const noexcept { return const_reverse_iterator(begin()); }
 
-    constexpr bool empty() const noexcept { return count == 0; }
-    constexpr size_type size() const noexcept { return count; }
+    [[nodiscard]] constexpr bool empty() const noexcept { return count == 0; }
+    [[nodiscard]] constexpr size_type size() const noexcept { return count; }
     static constexpr size_type max_size() noexcept { return 2; }
     static constexpr size_type capacity() noexcept { return 2; }
     static constexpr void reserve(size_type size) {
@@ -210,7 +212,8 @@ private:
     float values[2];
 };
 
-/// Takes out the arguments for which `unwanted` is true; returns how many.
+/// Takes out the arguments for which `unwanted` is true; returns how many. Found by its argument,
+/// without a namespace.
 template <class Unwanted>
 constexpr std::size_t erase_if(AnimationKeyArgs& args, Unwanted unwanted) {
     const auto first = std::remove_if(args.begin(), args.end(), unwanted);
@@ -224,7 +227,3 @@ constexpr std::size_t erase(AnimationKeyArgs& args, float value) {
 }
 
 } // namespace Kiv
-
-namespace std { // which has them for all vectors
-using Kiv::erase, Kiv::erase_if;
-}

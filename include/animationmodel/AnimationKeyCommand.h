@@ -34,7 +34,7 @@ public:
     /// A command with a copy of `args`. Throws std::invalid_argument unless their number is the one
     /// that `effect` expects: 2 for `Transition`, 1 for `Hold`, 0 for all others.
     AnimationKeyCommand(AnimationKeyCommandEffect effect, const std::vector<float>& args);
-    /// The same with arguments in braces; `{}` is none. Allocates nothing.
+    /// The same with arguments in braces; `{}` stands for no arguments. Allocates nothing.
     AnimationKeyCommand(AnimationKeyCommandEffect effect, std::initializer_list<float> args);
 
     /// Effect and arguments, as these compare.
@@ -61,7 +61,7 @@ private:
 
 /// The shortest text that reads back as `value`, both as a float and as a double that is rounded to
 /// one: "0.1", "1e+05", "-0", "nan", "-inf". The same in every locale.
-ANIMATIONMODEL_EXPORT std::string shortest_text(float value);
+[[nodiscard]] ANIMATIONMODEL_EXPORT std::string shortest_text(float value);
 
 /// Writes "Transition (0, 0.1)", "Wait" or, for an effect without a name, "Effect 7": the same in
 /// every locale, floats as `shortest_text` does.
@@ -69,9 +69,9 @@ ANIMATIONMODEL_EXPORT std::ostream& operator<<(std::ostream& out,
                                                const AnimationKeyCommand& command);
 
 /// The arguments of a `Hold`: exactly {a}.
-ANIMATIONMODEL_EXPORT std::vector<float> make_vector(float a);
+[[nodiscard]] ANIMATIONMODEL_EXPORT std::vector<float> make_vector(float a);
 
 /// The arguments of a `Transition` from `a` to `b`: exactly {a, b}.
-ANIMATIONMODEL_EXPORT std::vector<float> make_vector(float a, float b);
+[[nodiscard]] ANIMATIONMODEL_EXPORT std::vector<float> make_vector(float a, float b);
 
 } // namespace Kiv

@@ -49,12 +49,12 @@ namespace Kiv {
 /// for a text that is not JSON, with line and column; for a number beyond a double's range; and for
 /// an object that has two members of the same name, of which `nlohmann::json::parse` alone would
 /// drop one.
-Animation animation_from_json(std::string_view text);
+[[nodiscard]] Animation animation_from_json(std::string_view text);
 
 /// The animation as a text in JSON, each key in a line of its own. What `dump` prints is the same,
 /// but in one line, and some floats have more digits than they need. Throws
 /// std::invalid_argument where writing does.
-std::string animation_to_json(const Animation& animation);
+[[nodiscard]] std::string animation_to_json(const Animation& animation);
 
 /// \cond
 namespace json_file {

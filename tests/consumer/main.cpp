@@ -42,7 +42,7 @@ void useArgumentsAsAVector() {
     args.insert(args.end(), vector.begin(), vector.begin() + 1);
     EXPECT(args == make_vector(6, 3));
     EXPECT(erase(args, 6) == 1);
-    EXPECT(std::erase_if(args, [](float value) { return value < 3; }) == 0);
+    EXPECT(erase_if(args, [](float value) { return value < 3; }) == 0);
     args.insert(args.begin(), {4});
     EXPECT(args == make_vector(4, 3));
     args = {};
@@ -60,6 +60,8 @@ void useBraces() {
     EXPECT(Animation::durationInFramesOf({{"lamp", {wait, wait}}}) == 8);
     EXPECT(Animation({}).layers.empty());
     EXPECT(Animation{{}}.layers.empty());
+    EXPECT(Animation({{"lamp", {}}}).layers.size() == 1);
+    EXPECT(Animation{{{"lamp", {}}, {"motor", {wait}}}}.layers.at("lamp").size() == 1);
 
     Animation lamp({{"lamp", {{{Transition, {0, 1}}, 10}, wait}}}, 5, 0);
     lamp.insertInLayer("lamp", {{NoValue, 2}, {Wait, 1}}, 3);
