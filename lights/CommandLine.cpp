@@ -76,7 +76,7 @@ int CommandLine::run(int argc, char** argv) const {
 
 void write_file(const std::string& path, const std::function<void(std::ostream&)>& write) {
     std::error_code error;
-    const fs::path target = fs::weakly_canonical(path, error); // a link stays one
+    const fs::path target = fs::weakly_canonical(path, error); // a link to a file stays one
     const bool special = fs::exists(target, error) && !fs::is_regular_file(target, error);
     const fs::path draft =
         special ? target : fs::path(target.string() + "." + std::to_string(getpid()));

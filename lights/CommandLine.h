@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/// What a program could not do although its arguments are right.
+/// A failure that no other arguments would mend: status 1.
 struct Failure : std::runtime_error {
     using runtime_error::runtime_error;
 };

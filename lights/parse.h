@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-/// The number that `word` is; none if it is anything else, or more than a number.
+/// `word` as a number, or nothing unless all of it is one that fits.
 template <class Value>
 std::optional<Value> parse(std::string_view word) {
     Value number{};

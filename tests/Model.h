@@ -64,7 +64,7 @@ struct Frames : std::vector<Frame> {
     Frames removed(Count start, Count count) const {
         return slice(0, start) + slice(start + std::min(count, SIZE_MAX - start));
     }
-    /// Where the last key ends that ends at or before `limit`; `from`, if none ends after that.
+    /// The last boundary in (from, limit], or `from`.
     Count endOfWholeKeys(Count from, Count limit) const {
         for (Count end = std::min(limit, size()); end > from; --end)
             if (end == size() || at(end).begins)
@@ -76,7 +76,7 @@ struct Frames : std::vector<Frame> {
         const Frames before = slice(0, begin).filled(begin);
         return before + run + slice(endOfWholeKeys(begin, begin + run.size()));
     }
-    /// Where frames end that are all Wait, or none of them, from `begin` on.
+    /// The end of the run that begins at `begin`: frames that all wait, or all do not.
     Count endOfRun(Count begin) const {
         const bool waits = at(begin).effect == Wait;
         Count end = begin;

@@ -19,7 +19,7 @@
 /// has none: whether a light then keeps the last one or goes dark is for the program to say.
 class Track {
 public:
-    /// Stands on frame 0 of `keys`, which have to outlive it.
+    /// Stands on frame 0 of `keys`, which have to outlive it; make it anew after each edit of them.
     Track(const std::string& name, const Kiv::KeyVector& keys) : layer(&name), keys(&keys) {}
 
     const std::string& name() const { return *layer; }
@@ -65,8 +65,8 @@ private:
     unsigned int at = 0;
 };
 
-/// The tracks of an animation, in the order of its layers, which have to outlive them. One seek to
-/// the next frame costs a constant per layer.
+/// The tracks of an animation, in the order of its layers. One seek to the next frame costs a
+/// constant per layer. The layers have to outlive it; make it anew after each edit of them.
 class Player : public std::vector<Track> {
 public:
     explicit Player(const Kiv::LayerMap& layers) {

@@ -32,5 +32,5 @@ void Progress::at(double done, double all) {
         return;
     next = now + std::chrono::milliseconds(100);
     // What is written next begins over the line.
-    std::cerr << work << " ... " << std::floor(100 * done / all) << " %\x1b[K\r";
+    std::cerr << job << " ... " << std::floor(100 * done / all) << " %\x1b[K\r";
 }

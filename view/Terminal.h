@@ -17,12 +17,11 @@ bool coloured();
 void catch_interrupts();
 extern volatile std::sig_atomic_t interrupted;
 
-/// A line on stderr, where that is a terminal, which tells how far a work is that takes longer than
-/// a second.
+/// Shows on stderr, if that is a terminal, how far a job has come that takes longer than a second.
 struct Progress {
     void at(double done, double all);
 
-    std::string work;
+    std::string job;
     std::chrono::steady_clock::time_point next =
         std::chrono::steady_clock::now() + std::chrono::seconds(1);
 };
