@@ -1,3 +1,4 @@
+#include "Members.h"
 #include "Text.h"
 
 #include <gtest/gtest.h>
@@ -75,6 +76,16 @@ TEST(AnimationKeyTest, CutsAnyKey) {
     EXPECT_EQ(key.splitEach(3), pieces);
     key.duration = 0;
     EXPECT_EQ(key.splitEach(1), KeyVector{key});
+}
+
+TEST(AnimationKeyTest, EveryMemberIsAPartOfTheValue) {
+    expectEveryMember<AnimationKey>({Wait, 5},
+                                    {[](AnimationKey& key) { key.command.effect = NoValue; },
+                                     [](AnimationKey& key) { key.duration = 6; },
+                                     [](AnimationKey& key) { key.command.args = {3}; }});
+    expectEveryMember<AnimationKeyArgs>({1, 2}, {[](AnimationKeyArgs& args) { args[0] = 3; },
+                                                 [](AnimationKeyArgs& args) { args[1] = 3; },
+                                                 [](AnimationKeyArgs& args) { args.pop_back(); }});
 }
 
 TEST(AnimationKeyTest, ArgumentsAreTwoAtMost) {

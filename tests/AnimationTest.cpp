@@ -1,3 +1,4 @@
+#include "Members.h"
 #include "Text.h"
 
 #include <clocale>
@@ -66,39 +67,41 @@ TEST(AnimationTest, ChecksTheFrameRateFirst) {
     EXPECT_EQ(refusal([&] { Animation(it.layers, 9, 9); }), refused);
     EXPECT_EQ(Animation(it).fps, 25);
     Animation::defaultFps = 30;
+    EXPECT_EQ(Animation().fps, 30);
+    EXPECT_EQ(Animation(it.layers).fps, 30);
+    EXPECT_EQ(Animation({{"a", {}}}).fps, 30);
     it.reset();
     EXPECT_EQ(it, Animation(30));
     Animation::defaultFps = 25;
 }
 
+TEST(AnimationTest, EveryMemberIsAPartOfTheValue) {
+    expectEveryMember<Animation>(animation("a: H1:10 | 3 2"),
+                                 {[](Animation& it) { it.layers["b"] = keys("H1:10"); },
+                                  [](Animation& it) { it.introSize = 5; },
+                                  [](Animation& it) { it.outroSize = 5; },
+                                  [](Animation& it) { it.fps = 10; }});
+}
+
 TEST(AnimationTest, CopiesShareNothingAndAreFilled) {
-    Animation source = animation("a: H1:10; b: H2:4 | 3 2");
-    source.fps = 10;
+    Animation source = animation("a: H1:10; b: H2:4");
     Animation copy = source;
-    Animation& self = copy;
     copy.layers["a"][0].command.args[0] = 7;
-    self = copy;
-    EXPECT_EQ(copy.layers, animation("a: H7:10; b: H2:4 W:6").layers);
-    EXPECT_EQ(copy.introSize, 3U);
-    EXPECT_EQ(copy.outroSize, 2U);
-    EXPECT_EQ(copy.fps, 10);
-    EXPECT_EQ(source.layers, animation("a: H1:10; b: H2:4").layers);
+    EXPECT_EQ(copy, animation("a: H7:10; b: H2:4 W:6"));
+    EXPECT_EQ(source, animation("a: H1:10; b: H2:4"));
 }
 
 TEST(AnimationTest, MovesTakeAnAnimationAsItIs) {
-    Animation expected = animation("a: H1:10; b: H2:4 | 3 2");
-    expected.fps = 10;
-    Animation source(10);
-    source.layers = expected.layers;
-    source.introSize = 3;
-    source.outroSize = 2;
+    Animation source = animation("a: H1:10; b: H2:4 | 3 99");
+    source.fps = 10;
     Animation& self = source;
     self = std::move(source);
-    EXPECT_EQ(source, expected);
     Animation moved;
     moved = std::move(source);
-    EXPECT_EQ(moved, expected);
     EXPECT_EQ(source, Animation(10)); // what is left of it is part of the contract
+    source = std::move(moved);
+    source.fps = 25;
+    EXPECT_EQ(source, animation("a: H1:10; b: H2:4 | 3 99"));
 }
 
 TEST(AnimationTest, AnswersForItsLayers) {
@@ -120,6 +123,7 @@ TEST(AnimationTest, TellsTimesInFramesAndSeconds) {
     EXPECT_EQ(it.outroStartFrame(), 0U);
     EXPECT_EQ(it.durationInSeconds(), 2);
     EXPECT_EQ(it.simulatedDurationInSeconds(100), 0.5F);
+    EXPECT_EQ(it.simulatedDurationInSeconds(1e-45F), INFINITY);
     EXPECT_TRUE(std::isnan(it.simulatedDurationInSeconds(NAN)));
     EXPECT_EQ(refusal([&] { return it.simulatedDurationInSeconds(0); }),
               "Simulated FPS given as argument should be different from 0 to calculate duration in "
@@ -166,6 +170,7 @@ TEST(AnimationTest, WritesNumbersTheSameInEveryLocale) {
         EXPECT_EQ(refusal([&] { it.setFPSToFitDurationInSeconds(row.seconds); }),
                   std::string("Duration given as argument is ") + row.shown +
                       " but should be strictly higher than 0 to calculate FPS");
+    EXPECT_EQ(it.fps, 29.97F);
     std::locale::global(before);
     std::setlocale(LC_ALL, "C");
 }

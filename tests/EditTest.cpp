@@ -36,6 +36,8 @@ TEST(EditTest, ExamplesOfEveryEdit) {
         {"a: H1:4", EDIT(it.replaceInLayer("b", 2, 5, keys(""))), "a: H1:4; b: "},
         {"a: H1:4", EDIT(it.replaceInLayer("a", 6, 1, keys("H9:3"))), "a: H1:4 W:2 H9:3"},
         {"a: H1:4", EDIT(it.replaceInLayer("a", 3, 9, keys("H9:3")[0])), "a: H1:3 H9:3"},
+        {"a: H1:4", EDIT(it.replaceInLayer("a", 1, 2, {{NoValue, 3}, {Wait, 2}})),
+         "a: H1:1 N:3 W:2 H1:1"},
         {"a: H1:4", EDIT(it.replaceInLayer("a", 1, 2, Hold, {2}, 6)), "a: H1:1 H2:6 H1:1"},
         {"a: H1:4", EDIT(it.replaceInLayer("a", 1, 2, Hold, make_vector(2), 6)),
          "a: H1:1 H2:6 H1:1"},
@@ -46,10 +48,16 @@ TEST(EditTest, ExamplesOfEveryEdit) {
         {"a: T0,8:8", EDIT(it.insertInLayer("a", keys("H9:3"), 6)), "a: T0,6:6 H9:3 T6,8:2"},
         {"a: H1:4", EDIT(it.insertInLayer("b", keys(""), 6)), "a: H1:4"},
 
+        {"a: H1:4", EDIT(it.insertInLayer("a", keys("H9:3")[0], 1)), "a: H1:1 H9:3 H1:3"},
+        {"a: H1:4", EDIT(it.insertInLayer("a", {{NoValue, 3}, {Wait, 2}}, 1)),
+         "a: H1:1 N:3 W:2 H1:3"},
         {"a: H1:4", EDIT(it.insertInLayer("a", Transition, {0, 60}, 6, 3)), "a: H1:3 T0,60:6 H1:1"},
         {"a: H1:4", EDIT(it.insertInLayer("a", Hold, make_vector(2), 6, 3)), "a: H1:3 H2:6 H1:1"},
 
         {"a: H1:4", EDIT(it.pushBackInLayer("a", Hold, make_vector(3), 5)), "a: H1:4 H3:5"},
+        {"a: H1:4", EDIT(it.pushBackInLayer("a", Transition, {3, 1}, 5)), "a: H1:4 T3,1:5"},
+        {"a: H1:4", EDIT(it.pushBackInLayer("a", keys("H8:3")[0])), "a: H1:4 H8:3"},
+        {"a: H1:4", EDIT(it.pushBackInLayer("a", {{NoValue, 3}, {Wait, 2}})), "a: H1:4 N:3 W:2"},
         {"a: H1:4", EDIT(it.pushBackInLayer("a", keys("H8:1 H9:3"))), "a: H1:4 H8:1 H9:3"},
         {"a: H1:4", EDIT(it.pushBackInLayer("b", keys(""))), "a: H1:4; b: "},
 
@@ -67,6 +75,11 @@ TEST(EditTest, ExamplesOfEveryEdit) {
         {"a: H1:4; b: H2:6", EDIT(it.overrideLayerWith("a", keys("H9:3"), 2)),
          "a: H1:2 H9:3 W:2; b: H2:6"},
         {"a: H1:4", EDIT(it.overrideLayerWith("a", keys("H9:3"), 6)), "a: H1:4 W:2 H9:3"},
+        {"a: H1:4", EDIT(it.overrideLayerWith("a", keys("H9:3")[0], 2)), "a: H1:2 H9:3"},
+        {"a: H1:4", EDIT(it.overrideLayerWith("a", {{NoValue, 1}, {Wait, 2}}, 2)),
+         "a: H1:2 N:1 H1:2"},
+        {"a: H1:4", EDIT(it.overrideLayerWith("a", Transition, {3, 1}, 5, 2)), "a: H1:2 T3,1:5"},
+        {"a: H1:4", EDIT(it.overrideLayerWith("a", Hold, make_vector(3), 5, 2)), "a: H1:2 H3:5"},
 
         {"a: H1:6; b: H2:6", EDIT(it.replace(2, 3, animation("b: H9:2"))),
          "a: H1:2 W:2 H1:1; b: H2:2 H9:2 H2:1"},
@@ -162,8 +175,10 @@ TEST(EditTest, LoopsUpToTheLimit) {
 TEST(EditTest, LoopsCheckTheDefaultFrameRateOnlyWhereTheyRepeat) {
     Animation some = animation("a: H1:4 | 2 1");
     some.fps = 40;
+    const Animation none(40);
     Animation::defaultFps = 0;
     EXPECT_EQ(some.loop(1, false, false), some);
+    EXPECT_EQ(none.loop(2, false, false), none);
     EXPECT_EQ(refusal([&] { return some.loop(2, false, false); }),
               "FPS should be strictly higher than 0");
     Animation::defaultFps = 25;

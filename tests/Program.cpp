@@ -47,6 +47,7 @@ std::string text_of(const Step& step) {
     case Operation::remove: return text_of_call("remove", frame, count);
     case Operation::overrideLayersWith: return text_of_call("overrideLayersWith", "other", frame);
     case Operation::construct: return text_of_call("Animation", "other.layers", near, count);
+    case Operation::assign: return text_of_call("operator=", "other");
     case Operation::setSizes: return text_of_call("set sizes", near, count);
     case Operation::loop: return text_of_call("loop", count, first, second);
     case Operation::splitAt:
@@ -65,6 +66,13 @@ It exact_copy(const It& it) {
     copy.introSize = it.introSize;
     copy.outroSize = it.outroSize;
     return copy;
+}
+
+void assign(Animation& it, const Animation& other) {
+    it = other;
+}
+void assign(Model& it, const Model& other) {
+    it = other.copy();
 }
 
 /// Makes an edit on an animation or on a model.
@@ -88,6 +96,7 @@ void edit(It& it, const It& other, const Step& step, const KeyVector& keys) {
     case Operation::remove: return it.remove(frame, count);
     case Operation::overrideLayersWith: return it.overrideLayersWith(other, frame);
     case Operation::construct: it = It(other.layers, near, count); return;
+    case Operation::assign: return assign(it, other);
     default: // sizes set
         it.introSize = near;
         it.outroSize = count;

@@ -42,6 +42,7 @@ enum class Operation {
     remove,
     overrideLayersWith,
     construct,
+    assign,
     setSizes,
     loop,
     splitAt,

@@ -159,4 +159,21 @@ TEST(ProgramTest, MemoryIsTakenForLayersAndNotForKeys) {
         }
 }
 
+/// Appended piece by piece, keys are moved to other memory a few times, and not once a piece.
+TEST(ProgramTest, MemoryGrowsInFewSteps) {
+    const Animation piece = animation("a: H1:3 H2:3 H3:3 | 3 3");
+    Animation it;
+    memory.count = 0;
+    for (int i = 0; i < 1000; ++i)
+        it.pushBackInLayer("a", piece.layers.at("a"));
+    EXPECT_LE(memory.count, 12U);
+    LayerMap intro;
+    LayerMap body;
+    LayerMap outro;
+    memory.count = 0;
+    for (int i = 0; i < 1000; ++i)
+        piece.introBodyOutroLayers(intro, body, outro);
+    EXPECT_LE(memory.count, 36U);
+}
+
 } // namespace

@@ -1,4 +1,5 @@
-#include "Text.h"
+#include "Members.h"
+#include "Program.h"
 
 #include <animationmodel/Rotation.h>
 #include <gtest/gtest.h>
@@ -58,10 +59,41 @@ TEST(RotationTest, KeysAreAppendedToLayersThatAreThere) {
     EXPECT_EQ(twice.outroSize, 34U - 16U);
 }
 
-TEST(RotationTest, ComparesWhatItIsBuiltFrom) {
-    const Rotation rotation(1, 0, 1, 1, 1);
-    EXPECT_EQ(Rotation(rotation), rotation);
-    EXPECT_NE(Rotation(2, 0, 1, 1, 1), rotation);
+TEST(RotationTest, EveryMemberIsAPartOfTheValue) {
+    expectEveryMember<Rotation>(
+        {1, 0, 2, 3, 1},
+        {[](Rotation& it) { it.fps = 10; }, [](Rotation& it) { it.introSize = 1; },
+         [](Rotation& it) { it.pulseValue = 7; }, [](Rotation& it) { it.restValue = 7; },
+         [](Rotation& it) { it.riseDuration = 7; }, [](Rotation& it) { it.fallDuration = 7; },
+         [](Rotation& it) { it.stepDuration = 7; }});
+}
+
+struct Open : Rotation {
+    using Rotation::_init;
+    using Rotation::Rotation;
+};
+
+TEST(RotationTest, RefusedPulsesChangeNothing) {
+    Open it(1, 0, 1, 1, 1);
+    it.stepDuration = 1 << 28;
+    const Rotation before = it;
+    EXPECT_NE(refusal([&] { it._init(); }), "");
+    EXPECT_EQ(it, before);
+}
+
+TEST(RotationTest, RunningOutOfMemoryChangesNothing) {
+    Open it(1, 0, 1, 1, 1);
+    const Rotation before = it;
+    for (unsigned long nth = 1; it == before; ++nth) {
+        memory.failAt = nth;
+        try {
+            it._init();
+        } catch (const std::bad_alloc&) {
+            EXPECT_EQ(it, before) << "allocation " << nth;
+        }
+        memory.failAt = 0;
+    }
+    EXPECT_EQ(it.durationInFrames(), 34U);
 }
 
 } // namespace

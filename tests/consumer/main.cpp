@@ -51,6 +51,16 @@ void useArgumentsAsAVector() {
     swap(args, other);
     EXPECT(other == std::vector<float>(2, 9));
     EXPECT(args != vector);
+
+    const AnimationKeyArgs ordered[] = {{}, {-1}, {-1, 5}, {0}, {0, -2}, {0, 1}, {3}};
+    for (const auto& a : ordered)
+        for (const auto& b : ordered) {
+            EXPECT((a < b) == (&a < &b));
+            EXPECT((a > b) == (&a > &b));
+            EXPECT((a <= b) == (&a <= &b));
+            EXPECT((a >= b) == (&a >= &b));
+            EXPECT((a != b) == (&a != &b));
+        }
 }
 
 void useBraces() {
