@@ -1,4 +1,5 @@
 #include "Program.h"
+#include "Text.h"
 
 #include <cstdlib>
 #include <gtest/gtest.h>

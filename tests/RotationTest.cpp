@@ -1,5 +1,6 @@
 #include "Members.h"
 #include "Program.h"
+#include "Text.h"
 
 #include <animationmodel/Rotation.h>
 #include <gtest/gtest.h>
