@@ -176,6 +176,21 @@ struct Floor {
     std::vector<Floor> splitEach(unsigned int step, bool, bool) const {
         return split(step / keyFrames);
     }
+    /// A plain loop over the keys of one layer after another.
+    void sample(unsigned int count, float* place) const {
+        for (const auto& [name, row] : layers) {
+            float* value = place++;
+            unsigned int left = count;
+            for (const PlainKey& key : row) {
+                const unsigned int frames = std::min(key.duration, left);
+                for (unsigned int i = 0; i < frames; ++i, value += layers.size())
+                    *value = static_cast<float>(i) * (key.values[1] - key.values[0]) /
+                                 static_cast<float>(key.duration) +
+                             key.values[0];
+                left -= frames;
+            }
+        }
+    }
     std::size_t size() const { return layers.begin()->second.size(); }
 
     RowMap layers;

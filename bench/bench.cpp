@@ -3,6 +3,7 @@
 #include "Floor.h"
 
 #include <animationmodel/Rotation.h>
+#include <animationmodel/play.h>
 
 #include <algorithm>
 #include <bit>
@@ -60,6 +61,7 @@ struct Work {
     Keys keys;
     Layers parts[3];
     std::vector<A> results;
+    std::vector<float> values;
 };
 
 /// The number of layers, and of the keys in all of them: those of the result and of the source.
@@ -169,6 +171,12 @@ auto set_sizes(std::size_t part) {
     };
 }
 
+/// For each number of layers and of frames. What is counted there are values, not keys.
+const std::vector<Shape> sampled = {{10000, 10000 * 60, 10000 * 60 / keyFrames},
+                                    {8, 8 * 1000000, 8 * 1000000 / keyFrames},
+                                    {512, 512 * 40000, 512 * 40000 / keyFrames},
+                                    {1000, 1000 * 10000, 1000 * 10000 / keyFrames}};
+
 std::set<unsigned int> cuts(std::size_t count, unsigned int frames) {
     std::set<unsigned int> result;
     for (std::size_t i = 1; i <= count; ++i)
@@ -261,6 +269,15 @@ void add_operations() {
         [](auto& w) { w.results = w.animation.splitAt(cuts(1000, w.frames(w.size)), true, true); });
     add("splitEach(100)", shapes({1, 8}), asBuilt,
         [](auto& w) { w.results = w.animation.splitEach(100, true, true); });
+    const auto makeRoom = [](auto& w) {
+        w.values.resize(w.animation.layers.size() * w.frames(w.size));
+    };
+    compare("sample", sampled,
+            timed<Animation>(
+                makeRoom,
+                [](auto& w) { sample(w.animation.layers, 0, w.frames(w.size), w.values.data()); }),
+            timed<Floor>(makeRoom,
+                         [](auto& w) { w.animation.sample(w.frames(w.size), w.values.data()); }));
     add("AnimationKey::splitEach(1)", shapes({1}), asBuilt, [](auto& w) {
         w.key.duration = unsigned(w.size);
         w.keys = w.key.splitEach(1);

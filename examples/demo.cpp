@@ -3,10 +3,10 @@
 #include "Colour.h"
 #include "CommandLine.h"
 #include "Picture.h"
-#include "Player.h"
 #include "Terminal.h"
 #include "Timeline.h"
 #include "parse.h"
+#include <animationmodel/play.h>
 
 #include <animationmodel/Rotation.h>
 

@@ -1,8 +1,8 @@
 // The program of docs/guide.md; writes its pictures into the folder that it is given.
 
 #include "Picture.h"
-#include "Player.h"
 #include "Recording.h"
+#include <animationmodel/play.h>
 
 #include <animationmodel/Rotation.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Player.h"
+#include <animationmodel/play.h>
 
 #include <cstdint>
 #include <map>
@@ -33,7 +33,7 @@ public:
     unsigned int next = 0; ///< The next frame on which they may send something else, if any.
 
 private:
-    Player player;
+    Kiv::Player player;
     Universes universes;
     /// For each track its universe, and its channel counted from 0.
     std::vector<std::pair<unsigned int, std::size_t>> places;

@@ -2,13 +2,12 @@
 
 #include "CommandLine.h"
 #include "Dmx.h"
-#include "Measures.h"
 #include "Recording.h"
 
 #include <animationmodel/json.h>
+#include <animationmodel/retime.h>
 
 #include <cctype>
-#include <cmath>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -18,19 +17,6 @@ using namespace Kiv;
 
 namespace {
 
-/// Makes an animation one at 1000 frames per second.
-void move_to_milliseconds(Animation& show) {
-    const double milliseconds = 1000 / static_cast<double>(show.fps); // a frame
-    const double end = std::round(show.durationInFrames() * milliseconds);
-    if (!(milliseconds > 0 && end <= mostFrames))
-        throw std::runtime_error("at its frame rate the show would be too long");
-    move_ends(show, [=](std::uint64_t frame) {
-        const double moved = std::round(static_cast<double>(frame) * milliseconds);
-        return static_cast<unsigned int>(std::min<double>(moved, mostFrames));
-    });
-    show.fps = 1000;
-}
-
 Animation show_of(const std::string& text) {
     Animation show = animation_from_json(text);
     for (auto& [name, keys] : std::exchange(show.layers, {})) {
@@ -38,7 +24,7 @@ Animation show_of(const std::string& text) {
         if (!show.layers.try_emplace(channel_name(universe, channel), std::move(keys)).second)
             throw std::runtime_error("the channel of layer \"" + name + "\" has another one");
     }
-    move_to_milliseconds(show);
+    change_frame_rate(show, 1000);
     return show;
 }
 
@@ -64,17 +50,4 @@ void write_show(const Animation& show, const std::string& path) {
         else
             write_recording(out, show);
     });
-}
-
-void move_ends(Animation& show, const std::function<unsigned int(std::uint64_t)>& moved) {
-    const unsigned int duration = show.durationInFrames();
-    const unsigned int outroStart = show.outroStartFrame();
-    for (auto& [name, layer] : show.layers) {
-        for_each_key(layer, [&](AnimationKey& key, unsigned int begin) {
-            key.duration = moved(std::uint64_t{begin} + key.duration) - moved(begin);
-        });
-        std::erase_if(layer, [](const AnimationKey& key) { return key.duration == 0; });
-    }
-    show.introSize = moved(show.introSize);
-    show.outroSize = moved(duration) - moved(outroStart);
 }

@@ -11,6 +11,7 @@
 #include "parse.h"
 
 #include <animationmodel/Rotation.h>
+#include <animationmodel/retime.h>
 
 #include <cmath>
 #include <iostream>
@@ -87,14 +88,6 @@ void override_with(Animation& show, const File& file, Time at) {
         show.removeInLayer(name, end, 0);
     }
     show.overrideLayersWith(other, at);
-}
-
-/// Plays faster or slower.
-void last(Animation& show, Time frames) {
-    const std::uint64_t before = std::max(1U, show.durationInFrames());
-    move_ends(show, [=](std::uint64_t frame) {
-        return static_cast<unsigned int>(frame * frames / before);
-    });
 }
 
 void split(const Animation& show, Duration step, const std::string& prefix) {
@@ -182,7 +175,8 @@ int main(int argc, char** argv) {
         [](Animation& show, Time size) { show.outroSize = size; });
     add(edits, "--loop", "N", "plays N times what lies between intro and outro",
         [](Animation& show, Number<0, mostFrames> n) { show = show.loop(n, false, false); });
-    add(edits, "--last", "T", "plays faster or slower, to last T", last);
+    add(edits, "--last", "T", "plays faster or slower, to last T",
+        [](Animation& show, Time frames) { stretch_to(show, frames.frames); });
     add(outputs, "--write", "FILE", "writes a recording, or JSON if FILE ends in .json",
         write_show);
     add(outputs, "--split", "T PREFIX", "writes PREFIX1, PREFIX2 ... of T each", split);

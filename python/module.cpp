@@ -4,8 +4,8 @@
 #include "Layer.h"
 #include "Measures.h"
 #include "Picture.h"
-#include "Player.h"
 #include "docstrings.h"
+#include <animationmodel/play.h>
 
 #include <animationmodel/Rotation.h>
 #include <animationmodel/json.h>

@@ -3,8 +3,8 @@
 
 #include "Measures.h"
 #include "Picture.h"
-#include "Player.h"
 #include "Recording.h"
+#include <animationmodel/play.h>
 
 #include <animationmodel/Rotation.h>
 #include <animationmodel/json.h>

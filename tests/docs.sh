@@ -23,4 +23,11 @@ sed -n '/guide begins here/,/guide ends here/p' "$root/examples/guide.cpp" |
 code_of "$root/README.md" >README.md
 sed '/^$/d' "$root/examples/quickstart.cpp" | diff README.md -
 
+code_of "$root/docs/live.md" | sort >live.md
+{
+    sed -n '/page begins here/,/page goes on in/p' "$root/examples/live.h"
+    sed -n '/page goes on here/,/page ends here/p' "$root/examples/live.cpp" | sed 's/^    //'
+} | sed '/^\/\/ .* page /d; /^\/\/ The page /d; /^$/d' | sort | diff live.md -
+"$programs/live" >live.out
+grep -q '^7: lamp 0.7$' live.out
 "$programs/quickstart" | grep -q '^95 frames, 3.8 s$'

@@ -46,6 +46,7 @@ makes '1 10,20 100 1 30 20 1 10,20 60 1 30 50' a --intro 40 --outro 30 --loop 2
 makes '1 10,20 100 1 30 20 1 10,20 100 1 30 20' a --keep 0 120 --loop 2
 makes '1 10,20 100 1 30 20' a --loop 2 --keep 0 120
 makes '1 10,20 40 1 30 20 1 10,20 40 1 30 20' a --last 60 --loop 2
+makes '1 10,20 3 1 30 1' a --last 4
 makes '1 10,20 40 1 30 20' a --loop 2 --last 0.12s --keep 0 60
 makes '1 0,0,0,0,0,0,0,0 1 1 128,0,0,0,0,0,0,0 1 1 255,128,0,0,0,0,0,0 1' --rotation 255 0 2 2 1 --keep 0 3
 makes '1 255,128,0,0,0,0,0,0 1 1 128,255,128,0,0,0,0,0 1' --rotation 255 0 2 2 1 --keep 2 4
@@ -111,7 +112,7 @@ is_none ' a layer is called UNIVERSE.CHANNEL, such as 1.5, not "lamp"' '{"layers
 is_none ' a layer is called UNIVERSE.CHANNEL, such as 1.5, not "1.513"' '{"layers": {"1.513": []}}'
 is_none ' a layer is called UNIVERSE.CHANNEL, such as 1.5, not "1.0"' '{"layers": {"1.0": []}}'
 is_none ' the channel of layer "1.1" has another one' '{"layers": {"1.1": [], "1.01": []}}'
-is_none ' at its frame rate the show would be too long' '{"fps": 0, "layers": {"1.1": [["Wait", [], 1]]}}'
+is_none ' Frame rates (0 and 1000) should be above 0 and finite to change them' '{"fps": 0, "layers": {"1.1": [["Wait", [], 1]]}}'
 printf 'OLA Show\n1 10,20\n100\n1 300\n' >bad
 refuses 2 'bad:4: a value cannot be "300"' bad
 refuses 2 'bad:4: a value cannot be "300"' a --append bad
@@ -120,6 +121,7 @@ refuses 2 'needs a FILE or --rotation, and not both' a --rotation 255 0 1 1 1
 refuses 2 '--remove: TO has to come after FROM' a --remove 30 30
 refuses 2 '--keep: TO has to come after FROM' a --keep 5 2
 refuses 2 '--last: a time such as 1500 or 1.5s cannot be "1.5m"' a --last 1.5m
+refuses 2 'An animation of 150 frames cannot last 0' a --last 0
 refuses 2 '--rotation: needs a number from 0 to 255, not "256"' --rotation 255 256 1 1 1
 refuses 2 '--split: a time above 0 such as 1500 or 1.5s cannot be "0s"' a --write out --split 0s piece
 refuses 2 'the show is too long, or too short for intro and outro' a --intro 90 --outro 90

@@ -65,7 +65,7 @@ return result;
 PROGRAM = r"""
 #include "Recording.h"
 #include "Picture.h"
-#include "Player.h"
+#include <animationmodel/play.h>
 #include <animationmodel/Rotation.h>
 #include <animationmodel/json.h>
 #include <fstream>

@@ -10,6 +10,8 @@ ValueRange::ValueRange(const Animation& animation) {
     for (const auto& [name, layer] : animation.layers)
         for (const AnimationKey& key : layer)
             for (const float value : key.command.args) {
+                if (!std::isfinite(value))
+                    continue;
                 least = first ? value : std::min(least, value);
                 greatest = first ? value : std::max(greatest, value);
                 first = false;
@@ -19,7 +21,9 @@ ValueRange::ValueRange(const Animation& animation) {
 int ValueRange::level(float value) const {
     if (!(least < greatest))
         return 255;
-    return static_cast<int>(std::lround((value - least) / (greatest - least) * 255));
+    const double range = double{greatest} - least; // which may be more than a float holds
+    const double part = (double{value} - least) / range;
+    return part > 0 ? static_cast<int>(std::lround(std::min(part, 1.0) * 255)) : 0;
 }
 
 Colour colour_of(int level) {

@@ -2,11 +2,11 @@
 
 #include <animationmodel/Animation.h>
 
-/// The least and the greatest value in an animation, by which colours are chosen.
+/// The least and the greatest finite value in an animation, by which colours are chosen.
 struct ValueRange {
     explicit ValueRange(const Kiv::Animation& animation);
 
-    /// 0 for the least value to 255 for the greatest.
+    /// 0 for the least value to 255 for the greatest; 0 for a NaN.
     int level(float value) const;
 
     float least = 0;

@@ -1,5 +1,7 @@
 #include "Measures.h"
 
+#include <animationmodel/retime.h>
+
 #include <cmath>
 #include <iomanip>
 #include <locale>
@@ -19,10 +21,11 @@ std::string label(float value) {
 }
 
 std::string measures(const Animation& animation) {
-    return std::to_string(animation.durationInFrames()) + " frames, " +
-           number(animation.durationInSeconds(), 6) + " s at " + number(animation.fps, 6) +
-           " fps, intro " + std::to_string(animation.introSize) + ", outro " +
-           std::to_string(animation.outroSize);
+    const std::uint64_t frames = full_duration(animation.layers);
+    return std::to_string(frames) + " frames, " +
+           number(std::abs(static_cast<float>(frames) / animation.fps), 6) + " s at " +
+           number(animation.fps, 6) + " fps, intro " + std::to_string(animation.introSize) +
+           ", outro " + std::to_string(animation.outroSize);
 }
 
 std::size_t count_keys(const LayerMap& layers) {
@@ -32,9 +35,9 @@ std::size_t count_keys(const LayerMap& layers) {
     return count;
 }
 
-unsigned int ruler_step(unsigned int least) {
-    unsigned int step = 1;
-    for (unsigned int factor = 0; step < least && step < 1000000000; ++factor)
+std::uint64_t ruler_step(std::uint64_t least) {
+    std::uint64_t step = 1;
+    for (unsigned int factor = 0; step < least; ++factor)
         step = factor % 3 == 1 ? step / 2 * 5 : step * 2;
     return step;
 }

@@ -3,6 +3,7 @@
 #include <animationmodel/Animation.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 // What is said of animations, and where their keys stand.
@@ -20,15 +21,14 @@ std::string measures(const Kiv::Animation& animation);
 std::size_t count_keys(const Kiv::LayerMap& layers);
 
 /// So many frames between two marks of a ruler that they stand `least` or more apart.
-unsigned int ruler_step(unsigned int least);
+std::uint64_t ruler_step(std::uint64_t least);
 
 /// Calls `visit` with each key of a layer and the frame on which it begins.
-template <class Layer, class Visit>
-void for_each_key(Layer& layer, const Visit& visit) {
-    unsigned int begin = 0;
-    for (auto& key : layer) {
-        const unsigned int end = begin + key.duration; // should `visit` change it
+template <class Visit>
+void for_each_key(const Kiv::KeyVector& layer, const Visit& visit) {
+    std::uint64_t begin = 0;
+    for (const Kiv::AnimationKey& key : layer) {
         visit(key, begin);
-        begin = end;
+        begin += key.duration;
     }
 }

@@ -2,13 +2,15 @@
 
 #include "Colour.h"
 #include "Measures.h"
-#include "Player.h"
+#include <animationmodel/play.h>
+#include <animationmodel/retime.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <set>
 #include <sstream>
+#include <string_view>
 
 using namespace Kiv;
 
@@ -40,15 +42,39 @@ rect.none { fill: none; stroke: #8c959f; stroke-dasharray: 3 3; }
 </style>
 )";
 
-std::string escaped(const std::string& text) {
+/// How many bytes at the start of `text`, which is not empty, are one character in UTF-8; 0 if they
+/// are none that XML may hold.
+std::size_t character(std::string_view text) {
+    const auto first = static_cast<unsigned char>(text[0]);
+    const std::size_t size = first < 0x80 ? 1 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
+    if (text.size() < size || (first >= 0x80 && first < 0xc2) || first > 0xf4)
+        return 0;
+    unsigned int code = size == 1 ? first : first & (0x7fU >> size);
+    for (const char next : text.substr(1, size - 1)) {
+        if ((static_cast<unsigned char>(next) & 0xc0U) != 0x80)
+            return 0;
+        code = code << 6 | (static_cast<unsigned char>(next) & 0x3fU);
+    }
+    const unsigned int least[] = {0x20, 0x80, 0x800, 0x10000};
+    const bool surrogate = code >= 0xd800 && code < 0xe000;
+    const bool allowed = code >= least[size - 1] && !surrogate && code < 0x110000 && code != 0x7f &&
+                         code != 0xfffe && code != 0xffff;
+    return allowed ? size : 0;
+}
+
+/// As XML has it: what it may not hold becomes the replacement character.
+std::string escaped(std::string_view text) {
     std::string result;
-    for (const char c : text)
-        switch (c) {
+    while (!text.empty()) {
+        const std::size_t size = character(text);
+        switch (text[0]) {
         case '<': result += "&lt;"; break;
         case '>': result += "&gt;"; break;
         case '&': result += "&amp;"; break;
-        default: result += c;
+        default: result += size > 0 ? text.substr(0, size) : "\xef\xbf\xbd";
         }
+        text.remove_prefix(std::max<std::size_t>(1, size));
+    }
     return result;
 }
 
@@ -61,7 +87,7 @@ class Drawing {
 public:
     Drawing(std::ostream& out, const Animation& animation)
         : out(out), animation(animation), range(animation),
-          duration(std::max(1U, animation.durationInFrames())) {
+          duration(std::max<std::uint64_t>(1, full_duration(animation.layers))) {
         for (const auto& [name, layer] : animation.layers)
             longest = std::max(longest, width_of(name));
         left = margin + std::min(longest, pageWidth / 4) + 12;
@@ -79,14 +105,16 @@ public:
             << "\" rx=\"8\"/>\n";
         text(margin, 28, "title", title);
         text(margin, 48, "note", measures(animation));
-        part(0, std::min(animation.introSize, duration), "intro");
-        part(animation.outroStartFrame(), animation.durationInFrames(), "outro");
+        part(0, std::min<std::uint64_t>(animation.introSize, duration), "intro");
+        if (!animation.empty())
+            part(duration - std::min<std::uint64_t>(animation.outroSize, duration), duration,
+                 "outro");
         int index = 0;
         for (const auto& [name, layer] : animation.layers) {
             lamp(index, name, layer);
             const int y = lanes + laneHeight * index++;
             text(margin, y + 15, "name", name);
-            for_each_key(layer, [this, y](const AnimationKey& key, unsigned int begin) {
+            for_each_key(layer, [this, y](const AnimationKey& key, std::uint64_t begin) {
                 block(key, begin, y);
             });
         }
@@ -112,7 +140,7 @@ private:
             << escaped(words) << "</text>\n";
     }
 
-    void part(unsigned int begin, unsigned int end, const char* name) {
+    void part(std::uint64_t begin, std::uint64_t end, const char* name) {
         if (begin >= end)
             return;
         out << "<rect class=\"part\" x=\"" << at(begin) << "\" y=\"" << lanes - 15 << "\" width=\""
@@ -139,10 +167,10 @@ private:
     }
 
     /// The part of the duration that is over at `frame`: 0 to 1.
-    std::string time_of(unsigned int frame) const {
+    std::string time_of(std::uint64_t frame) const {
         if (frame == duration)
             return "1";
-        const auto millionths = std::uint64_t{frame} * 1000000 / duration;
+        const std::uint64_t millionths = frame * 1000000 / duration;
         const std::string digits = std::to_string(1000000 + millionths);
         return digits.substr(1).insert(0, 1, '.');
     }
@@ -154,12 +182,12 @@ private:
         const int y = (small() ? 72 : 80) + index / perRow * lampHeight();
         std::string values;
         std::string times;
-        const auto add = [&](std::optional<float> value, unsigned int frame) {
+        const auto add = [&](std::optional<float> value, std::uint64_t frame) {
             values.append(values.empty() ? "" : ";").append(colour(value));
             times.append(times.empty() ? "" : ";").append(time_of(frame));
         };
-        unsigned int end = 0;
-        for_each_key(layer, [&](const AnimationKey& key, unsigned int begin) {
+        std::uint64_t end = 0;
+        for_each_key(layer, [&](const AnimationKey& key, std::uint64_t begin) {
             const auto& args = key.command.args;
             end = begin + key.duration;
             add(args.empty() ? std::nullopt : std::optional(args[0]), begin);
@@ -177,9 +205,9 @@ private:
             text(x, y + 32, "lamp", name);
     }
 
-    void block(const AnimationKey& key, unsigned int begin, int y) {
+    void block(const AnimationKey& key, std::uint64_t begin, int y) {
         const int x = at(begin);
-        const int width = at(std::uint64_t{begin} + key.duration) - x - 1;
+        const int width = at(begin + key.duration) - x - 1;
         const auto& args = key.command.args;
         const bool moves = args.size() > 1 && args[0] != args[1];
         if (width < 0) // another key begins there
@@ -224,7 +252,7 @@ private:
     std::string on(float value) const { return range.level(value) > 110 ? "bright" : "dim"; }
 
     void ruler(int y) {
-        const unsigned int step = ruler_step((duration + 11) / 12);
+        const std::uint64_t step = ruler_step((duration + 11) / 12);
         for (std::uint64_t frame = 0; frame <= duration; frame += step) {
             out << "<path class=\"tick\" d=\"M" << at(frame) << ' ' << y << "v4\"/>\n";
             text(at(frame), y + 15, "tick", std::to_string(frame));
@@ -238,7 +266,7 @@ private:
     std::ostream& out;
     const Animation& animation;
     ValueRange range;
-    unsigned int duration;
+    std::uint64_t duration;
     int longest = 0; ///< The longest name.
     int left = 0;    ///< Where frame 0 is.
     int lanes = 0;   ///< Where the first lane is.

@@ -2,7 +2,8 @@
 
 #include "Colour.h"
 #include "Measures.h"
-#include "Player.h"
+#include <animationmodel/play.h>
+#include <animationmodel/retime.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -14,25 +15,23 @@ namespace {
 
 /// What to write on a key: "0>1" for a Transition, "1" for a Hold.
 std::string sign_of(const AnimationKey& key) {
-    switch (key.command.effect) {
-    case Transition: return label(key.command.args[0]) + ">" + label(key.command.args[1]);
-    case Hold: return label(key.command.args[0]);
-    case Wait: return "~";
-    default: return "-";
-    }
+    const AnimationKeyArgs& args = key.command.args;
+    if (args.empty())
+        return key.command.effect == Wait ? "~" : "-";
+    return args.size() == 1 ? label(args[0]) : label(args[0]) + ">" + label(args[1]);
 }
 
 /// Where things stand in a timeline: names in a margin, then columns of `scale` frames each.
 class Layout {
 public:
     Layout(const Animation& animation, unsigned int width)
-        : duration(animation.durationInFrames()) {
+        : duration(full_duration(animation.layers)) {
         std::size_t longest = std::string("frame").size();
         for (const auto& [name, layer] : animation.layers)
             longest = std::max(longest, name.size());
-        margin = static_cast<unsigned int>(std::min<std::size_t>(longest + 1, width / 2));
+        margin = std::min<std::size_t>(longest + 1, width / 2);
         room = width - margin;
-        scale = std::max(1U, (duration + room - 2) / (room - 1)); // a bar stands after the last
+        scale = std::max<std::uint64_t>(1, (duration + room - 2) / (room - 1)); // a bar comes last
         columns = (duration + scale - 1) / scale;
     }
 
@@ -56,21 +55,23 @@ public:
     /// The intro and the outro, or nothing but blanks.
     std::string parts(const Animation& animation) const {
         std::string row(columns, ' ');
-        const auto mark = [&](unsigned int begin, unsigned int end, const std::string& name) {
+        const auto mark = [&](std::uint64_t begin, std::uint64_t end, const std::string& name) {
             if (begin == end)
                 return;
             std::fill(row.begin() + begin / scale, row.begin() + (end + scale - 1) / scale, '=');
             if ((end - begin) / scale >= name.size())
                 row.replace(begin / scale, name.size(), name);
         };
-        mark(0, std::min(animation.introSize, duration), "intro");
-        mark(animation.outroStartFrame(), duration, "outro");
+        mark(0, std::min<std::uint64_t>(animation.introSize, duration), "intro");
+        mark(duration - std::min<std::uint64_t>(animation.outroSize, duration), duration, "outro");
         return row;
     }
 
     std::string keys(const KeyVector& layer) const {
         std::string row(columns, ' ');
-        for_each_key(layer, [&](const AnimationKey& key, unsigned int begin) {
+        for_each_key(layer, [&](const AnimationKey& key, std::uint64_t begin) {
+            if (key.duration == 0)
+                return;
             const std::size_t from = begin / scale;
             const std::size_t to = (begin + key.duration - 1) / scale + 1;
             std::string block = sign_of(key).insert(0, 1, '|');
@@ -83,18 +84,18 @@ public:
         return row;
     }
 
-    unsigned int duration;
-    unsigned int margin = 0, room = 0; ///< Columns for the names, and for all else.
-    unsigned int scale = 1;            ///< Frames a column.
-    unsigned int columns = 0;
+    std::uint64_t duration;
+    std::size_t margin = 0, room = 0; ///< Columns for the names, and for all else.
+    std::uint64_t scale = 1;          ///< Frames a column.
+    std::size_t columns = 0;
 };
 
 /// Writes each column of a row of keys in the colour that its first frame has.
-void print_coloured(std::ostream& out, const std::string& row, Track track, unsigned int scale,
+void print_coloured(std::ostream& out, const std::string& row, Track track, std::uint64_t scale,
                     const ValueRange& range) {
-    unsigned int frame = 0;
+    std::uint64_t frame = 0;
     for (const char sign : row) {
-        track.seek(frame);
+        track.seek(static_cast<unsigned int>(std::min<std::uint64_t>(frame, UINT32_MAX)));
         if (const auto value = track.value()) {
             const int level = range.level(*value);
             const Colour colour = colour_of(level);

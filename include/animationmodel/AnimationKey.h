@@ -78,6 +78,16 @@ private:
 
 static_assert(std::is_trivial_v<AnimationKey> && sizeof(AnimationKey) <= 20);
 
+/// The value that a key which moves from `from` to `to` over `duration` frames has `frame` frames
+/// after its first: that of a cut there. Each step is rounded to single precision.
+[[nodiscard]] inline float transition_value(float from, float to, unsigned int frame,
+                                            unsigned int duration) noexcept {
+    const float way = to - from;
+    const float scaled = static_cast<float>(frame) * way;
+    const float passed = scaled / static_cast<float>(duration);
+    return passed + from;
+}
+
 /// Writes the key as "Hold (5) over 10".
 ANIMATIONMODEL_EXPORT std::ostream& operator<<(std::ostream& out, const AnimationKey& key);
 

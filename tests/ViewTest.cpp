@@ -1,0 +1,38 @@
+#include "Colour.h"
+#include "Picture.h"
+#include "Text.h"
+#include "Timeline.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+using namespace Kiv;
+
+TEST(ViewTest, ColoursAnyRangeOfValues) {
+    const ValueRange range(animation("a: T-3e38,3e38:2 Hinf:1 Hnan:1"));
+    EXPECT_EQ(range.level(-3e38F), 0);
+    EXPECT_EQ(range.level(0), 128);
+    EXPECT_EQ(range.level(3e38F), 255);
+    EXPECT_EQ(range.level(INFINITY), 255);
+    EXPECT_EQ(range.level(NAN), 0);
+}
+
+TEST(ViewTest, ShowsTheLongestLayers) {
+    const Animation it = animation("a: H1:4294967295 H2:4294967295; b: W:9 | 3 4294967295");
+    std::ostringstream timeline;
+    print_timeline(timeline, it, 40, false);
+    EXPECT_NE(timeline.str().find("8589934590 frames, 3.43597e+08 s at 25 fps"), std::string::npos)
+        << timeline.str();
+    EXPECT_NE(timeline.str().find("|1              |2               |"), std::string::npos);
+    EXPECT_NE(timeline.str().find("=               outro============"), std::string::npos);
+    EXPECT_LT(svg_of("Long", it).size(), 10000U);
+}
+
+TEST(ViewTest, PicturesAreXmlWhateverTheNames) {
+    const std::string bad = "\xef\xbf\xbd";
+    const std::string svg = svg_of("a<b>&\x01\x7f\xff\xed\xa0\x80\xc3\xa9\xf0\x9f\x92\xa1", {});
+    EXPECT_NE(
+        svg.find(">a&lt;b&gt;&amp;" + bad + bad + bad + bad + bad + bad + "\u00e9\U0001f4a1<"),
+        std::string::npos)
+        << svg;
+}
