@@ -13,6 +13,7 @@ fi
 folder=$1
 shift
 mkdir -p "$folder"
-eval "set -- \"\$@\" \"$(dirname "$0")/main.cpp\" $(pkg-config $static --cflags --libs animationmodel)"
+set -- "$@" "$(dirname "$0")/main.cpp"
+eval "set -- \"\$@\" $(pkg-config $static --cflags --libs animationmodel)"
 "$@" -o "$folder/consumer"
 LD_LIBRARY_PATH=$(dirname "$PKG_CONFIG_PATH") "$folder/consumer"
