@@ -1,7 +1,8 @@
 #!/bin/sh
 # demo.sh PROGRAM: how the demo takes its arguments, and what it says when it cannot do as told.
 set -eu
-demo=$1
+demo=$(readlink -f "$1")
+. "$(dirname "$0")/scratch.sh"
 expect() { # status, what is said first on stderr, arguments
     status=$1 said=$2
     shift 2

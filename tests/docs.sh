@@ -1,20 +1,20 @@
 #!/bin/sh
 # docs.sh PROGRAMS: whether the pages show what the programs of the examples are and draw. PROGRAMS
-# is the folder of the programs; pictures are drawn where it is called.
+# is the folder of the programs.
 set -eu
-programs=$1
+programs=$(readlink -f "$1")
 root=$(readlink -f "$(dirname "$0")/..")
+. "$root/tests/scratch.sh"
 
 # The pictures in docs/.
-rm -rf pictures
-mkdir pictures
-"$programs/demo" --svg pictures/demo.svg >demo.txt
-"$programs/guide" pictures >guide.txt
+"$programs/demo" --svg demo.svg >/dev/null
+"$programs/guide" . >/dev/null
 for picture in "$root"/docs/*.svg; do
-    diff "$picture" "pictures/$(basename "$picture")"
+    diff "$picture" "$(basename "$picture")"
 done
 
 code_of() { # page: its fragments of C++, without blank lines
+    # shellcheck disable=SC2016 # these backquotes are Markdown's
     sed -n '/^```cpp$/,/^```$/p' "$1" | sed '/^```/d; /^$/d'
 }
 code_of "$root/docs/guide.md" >guide.md

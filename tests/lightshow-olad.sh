@@ -3,16 +3,15 @@
 # compares each frame with what the show has then; and what happens without olad.
 set -eu
 lightshow=$(readlink -f "$1")
-folder=$(mktemp -d)
-cd "$folder"
-daemon= recorder=
+. "$(dirname "$0")/scratch.sh"
+daemon=''
+recorder=''
 finish() {
     for process in $recorder $daemon; do kill "$process" 2>/dev/null || true; done
     wait
     rm -rf "$folder"
 }
 trap finish EXIT
-trap 'exit 1' INT TERM
 fail() {
     echo "lightshow and olad: $1" >&2
     exit 1
@@ -92,6 +91,7 @@ values again | diff expected - >difference || fail "other frames: $(head -c 400 
 echo "$(wc -l <expected) frames of an edited recording played, recorded and compared"
 
 # Ctrl-C leaves no light on.
+# shellcheck disable=SC2016 # $0 is that of the inner sh
 record stopped sh -c 'timeout --signal=INT 0.5 "$0" show --play || true' "$lightshow"
 [ -z "$(values stopped | tail -1 | tr -d '0,')" ] || fail 'lights stay on after Ctrl-C'
 [ "$(values stopped | wc -l)" -gt 10 ] || fail 'nothing was played'

@@ -1,10 +1,8 @@
 #!/bin/sh
 # lightshow.sh PROGRAM: what each edit of lightshow makes of a small recording, and what it refuses.
 set -eu
-lightshow=$1
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-cd "$folder"
+lightshow=$(readlink -f "$1")
+. "$(dirname "$0")/scratch.sh"
 printf 'OLA Show\n1 10,20\n100\n1 30\n50\n' >a
 printf 'OLA Show\n1 9\n0\n2 7\n20\n2 8\n20\n' >b
 
@@ -20,7 +18,7 @@ makes() { # what is written, on one line, then the arguments
     [ "$got" = "$expected " ] || fail "$*: $got instead of $expected"
 }
 reads() { # what is written of it, on one line, then the recording; and what is written is read again
-    printf "OLA Show\n$2" >in
+    printf 'OLA Show\n%b' "$2" >in
     makes "$1" in
     mv out again
     makes "$1" again
@@ -54,9 +52,10 @@ makes '1 255,128,0,0,0,0,0,0 1 1 128,255,128,0,0,0,0,0 1' --rotation 255 0 2 2 1
 # animations as JSON: ends at the nearest millisecond, a Transition played, parts that stay parts
 printf '{"fps": 300, "introSize": 1, "outroSize": 4, "layers": {"1.2": [["Hold", [7], 1],
     ["Transition", [0, 255], 2], ["NoValue", [], 1], ["Hold", [300], 1]], "01.001": []}}' >c
-makes '1 0,7 3 1 0,0 1 1 0,36 1 1 0,73 1 1 0,109 1 1 0,146 1 1 0,182 1 1 0,219 1 1  3 1 0,255 4' c
+rising='1 0,7 3 1 0,0 1 1 0,36 1 1 0,73 1 1 0,109 1 1 0,146 1 1 0,182 1 1 0,219 1 1  3 1 0,255 4'
+makes "$rising" c
 "$lightshow" c --write c.json
-makes '1 0,7 3 1 0,0 1 1 0,36 1 1 0,73 1 1 0,109 1 1 0,146 1 1 0,182 1 1 0,219 1 1  3 1 0,255 4' c.json
+makes "$rising" c.json
 for member in '"0001.002": \[$' '"introSize": 3,' '"outroSize": 14,'; do
     grep -q "$member" c.json || fail "writes no $member"
 done
@@ -65,11 +64,10 @@ printf '{"fps": 4000, "layers": {"1.1": [["Hold", [1], 1], ["Hold", [2], 7]]}}' 
 "$lightshow" d --write d.json
 grep -q '\["Hold", \[1\]' d.json && fail 'keeps a key of no time'
 # through pipes, which can be read only once
-mkfifo pipe
-cat a >pipe &
-makes '1 10,20 100 1 30 50' pipe
-cat c >pipe &
-makes '1 0,7 3 1 0,0 1 1 0,36 1 1 0,73 1 1 0,109 1 1 0,146 1 1 0,182 1 1 0,219 1 1  3 1 0,255 4' pipe
+# shellcheck disable=SC2002 # no file in the place of a pipe
+cat a | makes '1 10,20 100 1 30 50' /dev/stdin
+# shellcheck disable=SC2002
+cat c | makes "$rising" /dev/stdin
 "$lightshow" a --write a.json
 makes '1 10,20 100 1 30 50' a.json
 
@@ -91,7 +89,7 @@ refuses() { # status, what is said, then the arguments
         fail "$*: status $got, $text"
 }
 is_none() { # the line and what is wrong there, then the file
-    printf "$2" >bad
+    printf '%b' "$2" >bad
     refuses 2 "bad:$1" bad
 }
 is_none '1: cannot be read, or is empty' ''
