@@ -31,12 +31,16 @@ def screenshot(folder, page, width, height):
                    f"--user-data-dir={folder}/profile{attempt}", "--virtual-time-budget=1500",
                    f"--window-size={width},{height}", f"--screenshot={shot}", page.as_uri()]
         browser = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
-                                   start_new_session=True)
+                                   start_new_session=True,
+                                   env=os.environ | {"TMPDIR": str(folder)})
         try:
             browser.wait(timeout=30)
         except subprocess.TimeoutExpired:
-            os.killpg(browser.pid, signal.SIGKILL)
-            browser.wait()
+            pass
+        finally:
+            if browser.poll() is None:
+                os.killpg(browser.pid, signal.SIGKILL)
+                browser.wait()
         if shot.exists():
             return Image.open(shot).convert("RGB")
     sys.exit("Chromium makes no screenshot")
@@ -54,6 +58,7 @@ def sent(recording, time):
 
 
 def main():
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1)) # what was begun is ended
     program = pathlib.Path(sys.argv[1]).resolve()
     with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as name:
         folder = pathlib.Path(name)
