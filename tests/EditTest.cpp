@@ -27,11 +27,8 @@ TEST(EditTest, ExamplesOfEveryEdit) {
         const char* after;
     } rows[] = {
         {"a: H1:4", EDIT(it.fillInLayer("a", 7)), "a: H1:4 W:3"},
-        {"a: H1:4", EDIT(it.fillInLayer("b", 7)), "a: H1:4; b: W:7"},
 
         {"a: H1:4 H2:6", EDIT(it.replaceInLayer("a", 2, 5, keys("H9:3"))), "a: H1:2 H9:3 H2:3"},
-        {"a: H1:4 H2:6", EDIT(it.replaceInLayer("a", 2, 3, keys("H9:3"))), "a: H1:2 H9:3 H2:5"},
-        {"a: T0,8:8", EDIT(it.replaceInLayer("a", 2, 4, keys("W:1"))), "a: T0,2:2 W:1 T6,8:2"},
         {"a: H1:4", EDIT(it.replaceInLayer("a", 3, 9, keys("H9:3")[0])), "a: H1:3 H9:3"},
         {"a: H1:4", EDIT(it.replaceInLayer("a", 1, 2, {{NoValue, 3}, {Wait, 2}})),
          "a: H1:1 N:3 W:2 H1:1"},
@@ -53,18 +50,13 @@ TEST(EditTest, ExamplesOfEveryEdit) {
         {"a: H1:4", EDIT(it.pushBackInLayer("a", keys("H8:3")[0])), "a: H1:4 H8:3"},
         {"a: H1:4", EDIT(it.pushBackInLayer("a", {{NoValue, 3}, {Wait, 2}})), "a: H1:4 N:3 W:2"},
         {"a: H1:4", EDIT(it.pushBackInLayer("a", keys("H8:1 H9:3"))), "a: H1:4 H8:1 H9:3"},
-        {"a: H1:4", EDIT(it.pushBackInLayer("b", keys(""))), "a: H1:4; b: "},
 
         {"a: H1:4 H2:6", EDIT(it.removeInLayer("a", 2, 5)), "a: H1:2 H2:3"},
-        {"a: H1:4 H2:6", EDIT(it.removeInLayer("a", 2, 0)), "a: H1:2 H1:2 H2:6"},
 
         // Wait shows the layer; what a run ends inside follows it whole; the layer is filled.
         {"a: H1:4 H2:6 H3:5", EDIT(it.overrideLayerWith("a", keys("W:4 H9:6"), 0)),
          "a: H1:4 H9:6 H3:5"},
         {"a: H1:4 H2:6", EDIT(it.overrideLayerWith("a", keys("H9:3"), 2)), "a: H1:2 H9:3 H2:6"},
-        {"a: H1:4 H2:6",
-         EDIT(it.removeInLayer("a", 5, 0); it.overrideLayerWith("a", keys("H9:3"), 2)),
-         "a: H1:2 H9:3 H2:5"},
         {"a: H1:4", EDIT(it.overrideLayerWith("a", keys("H9:3")[0], 2)), "a: H1:2 H9:3"},
         {"a: H1:4", EDIT(it.overrideLayerWith("a", {{NoValue, 1}, {Wait, 2}}, 2)),
          "a: H1:2 N:1 H1:2"},
@@ -74,20 +66,14 @@ TEST(EditTest, ExamplesOfEveryEdit) {
         {"a: H1:6; b: H2:6", EDIT(it.replace(2, 3, animation("b: H9:2"))),
          "a: H1:2 W:2 H1:1; b: H2:2 H9:2 H2:1"},
         {"a: H1:8 | 4 4", EDIT(it.replace(3, 2, animation("a: H9:5"))), "a: H1:3 H9:5 H1:3 | 3 3"},
-        {"a: H1:8 | 4 4", EDIT(it.replace(2, 0, Animation())), "a: H1:8 | 4 4"},
 
         {"a: H1:6", EDIT(it.insert(animation("b: H9:3"), 4)), "a: H1:4 W:3 H1:2; b: W:4 H9:3"},
         {"a: H1:6 | 2 3", EDIT(it.insert(animation("a: H9:3"), 1)), "a: H1:1 H9:3 H1:5 | 5 3"},
-        {"a: H1:6", EDIT(it.insert(animation("a: H9:3"), 3000000000)),
-         "a: H1:6 W:2999999994 H9:3 | 0 3"},
 
         {"a: H1:5 H2:3 | 2 3", EDIT(it.pushBack(animation("a: H8:2 H9:4 | 2 1"), false, false)),
          "a: H1:5 H9:4 | 2 1"},
-        {"a: H1:5 H2:3 | 2 3", EDIT(it.pushBack(animation("a: H8:2 H9:4 | 2 1"), true, true)),
-         "a: H1:5 H2:3 H8:2 H9:4 | 2 1"},
 
         {"a: H1:3 H2:5 | 3 0", EDIT(it.remove(1, 4)), "a: H1:1 H2:3 | 1 0"},
-        {"a: H1:3 H2:5; b: H3:2 | 0 4", EDIT(it.remove(6, 9)), "a: H1:3 H2:3; b: H3:2 | 0 2"},
 
         // The second layer is created and filled; its filler is cut, and the rest of that moved.
         {"a: H1:4 H2:4", EDIT(it.overrideLayersWith(animation("a: H9:4; b: H8:2"), 4)),

@@ -1,4 +1,6 @@
+#include "Program.h"
 #include "Text.h"
+#include "live.h"
 
 #include <animationmodel/play.h>
 #include <animationmodel/retime.h>
@@ -110,6 +112,24 @@ TEST(PlayTest, PlayheadsPlayLoops) {
                     head.next();
                     EXPECT_TRUE(head.ended());
                 }
+}
+
+TEST(PlayTest, MemoryIsNeitherTakenNorFreedWhilePlaying) {
+    auto scene = std::make_unique<Scene>(animation("a: T0,9:9; b: H1:4 W:5 | 2 1"));
+    Handover handover;
+    Playhead head(*scene->show);
+    handover.offer(std::make_unique<Scene>(animation("a: H7:5")));
+    const std::size_t inUse = memory.inUse;
+    memory.count = 0;
+    unsigned int taken = 0;
+    for (int time = 0; time < 30; ++time, head.next()) {
+        taken += handover.take(scene) ? 1 : 0;
+        scene->player.seek(head.frame());
+        EXPECT_EQ(value_under(scene->player, scene->player[0]), scene->player[0].value());
+    }
+    EXPECT_EQ(taken, 1U);
+    EXPECT_EQ(memory.count, 0U);
+    EXPECT_EQ(memory.inUse, inUse);
 }
 
 TEST(PlayTest, PlayheadsRefuseWhatCopiesRefuse) {
