@@ -73,7 +73,8 @@ public:
     }
 
 private:
-    friend void sample(const LayerMap&, unsigned int, unsigned int, float*);
+    friend void sample(const LayerMap& layers, unsigned int start, unsigned int count,
+                       float* place);
 
     const AnimationKey& key() const { return (*keys)[index]; }
     bool hasValue() const {

@@ -140,6 +140,6 @@ inline void stretch_to(Animation& animation, unsigned int frames) {
 
 /// A length is in frames: 0.5 would become 0.
 template <class Float, class = std::enable_if_t<std::is_floating_point_v<Float>>>
-void stretch_to(Animation&, Float) = delete;
+void stretch_to(Animation& animation, Float frames) = delete;
 
 } // namespace Kiv
