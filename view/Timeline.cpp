@@ -58,7 +58,8 @@ public:
         const auto mark = [&](std::uint64_t begin, std::uint64_t end, const std::string& name) {
             if (begin == end)
                 return;
-            std::fill(row.begin() + begin / scale, row.begin() + (end + scale - 1) / scale, '=');
+            const std::size_t width = (end + scale - 1) / scale - begin / scale;
+            row.replace(begin / scale, width, width, '=');
             if ((end - begin) / scale >= name.size())
                 row.replace(begin / scale, name.size(), name);
         };
