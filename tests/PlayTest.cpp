@@ -76,6 +76,21 @@ TEST(PlayTest, SamplesUpToTheGreatestFrame) {
     EXPECT_TRUE(std::isnan(values[4]));
 }
 
+TEST(PlayTest, ValuesChangeOnLaterFramesOnly) {
+    Animation it = animation("a: H1:1 H2:4294967290 H3:100");
+    it.layers["a"][0].duration = 0;
+    Player player(it.layers);
+    EXPECT_EQ(player[0].value(), 2);
+    EXPECT_EQ(player[0].nextChange(), 4294967290U);
+    player.seek(4294967291);
+    EXPECT_EQ(player[0].value(), 3);
+    EXPECT_EQ(player[0].nextChange(), 4294967295U);
+}
+
+static_assert(!std::is_constructible_v<Track, const char*, const KeyVector&>);
+static_assert(!std::is_constructible_v<Track, const std::string&, KeyVector>);
+static_assert(!std::is_constructible_v<Player, const LayerMap>);
+
 TEST(PlayTest, LayersThatHaveBecomeShorterEnd) {
     Animation it = animation("a: H1:30 H2:1 H3:1 H4:9");
     Player player(it.layers);
@@ -133,8 +148,8 @@ TEST(PlayTest, MemoryIsNeitherTakenNorFreedWhilePlaying) {
 }
 
 TEST(PlayTest, PlayheadsRefuseWhatCopiesRefuse) {
-    for (const char* text :
-         {"a: H1:4 | 5 0", "a: H1:4 | 0 5", "a: H1:4 | 3 2", "a: W:2147483648"}) {
+    for (const char* text : {"a: H1:4 | 5 0", "a: H1:4 | 0 5", "a: H1:4 | 3 2", "a: H1:2147483648",
+                             "a: H1:4294967295 H1:6"}) {
         const Animation it = animation(text);
         const std::string refused = refusal([&] { Animation copy(it); });
         EXPECT_NE(refused, "");

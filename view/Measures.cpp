@@ -1,7 +1,5 @@
 #include "Measures.h"
 
-#include <animationmodel/retime.h>
-
 #include <cmath>
 #include <iomanip>
 #include <locale>

@@ -3,7 +3,6 @@
 #include "Colour.h"
 #include "Measures.h"
 #include <animationmodel/play.h>
-#include <animationmodel/retime.h>
 
 #include <algorithm>
 #include <cmath>

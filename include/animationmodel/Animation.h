@@ -3,6 +3,8 @@
 #include <animationmodel/AnimationKey.h>
 #include <animationmodel/export.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <initializer_list>
 #include <iosfwd>
 #include <map>
@@ -52,9 +54,10 @@ using LayerMap = std::map<std::string, KeyVector>;
 ///     a question        nothing; `layer` a list of keys
 ///     one layer         once at most, and an entry for a layer that is created
 ///     all layers        once at most for each layer, an entry for each one created, and lists
-///     new layers        once for each and an entry; twice for one that is filled or cut; and lists
+///     new layers        once for each and an entry, again for one that is filled and for one that
+///                       is cut, and lists
 ///
-/// There are up to three lists, with an item for each layer: its length, or its edit. Splitting
+/// There are up to four lists, with an item for each layer: its length, or its edit. Splitting
 /// also has lists of its cuts and of its pieces, and `loop` one of the keys that it repeats. Keys
 /// in braces, and a single key that overrides, are a list of their own. A layer that has to grow
 /// takes up to twice its size. While an operation runs, the layers exist as they were and as they
@@ -86,8 +89,8 @@ public:
     Animation(const LayerMap& layers);
 
     /// The same with layers in braces, `Animation({{"lamp", keys}})`. `{}` stands for no layers.
-    Animation(std::initializer_list<NamedLayer> layers)
-        : Animation(LayerMap(layers.begin(), layers.end())) {}
+    Animation(std::initializer_list<NamedLayer> given)
+        : Animation(LayerMap(given.begin(), given.end())) {}
 
     /// Copies of `layers` with an intro and an outro of so many frames. Fills and checks.
     Animation(const LayerMap& layers, unsigned int introSize, unsigned int outroSize);
@@ -528,6 +531,19 @@ protected:
                             unsigned int start, unsigned int count);
     /// @}
 };
+
+/// Frames of the longest layer, summed in 64 bits: what `durationInFrames` says, but for layers of
+/// 2^32 frames or more. Costs all keys.
+[[nodiscard]] inline std::uint64_t full_duration(const LayerMap& layers) {
+    std::uint64_t longest = 0;
+    for (const auto& [name, keys] : layers) {
+        std::uint64_t total = 0;
+        for (const AnimationKey& key : keys)
+            total += key.duration;
+        longest = std::max(longest, total);
+    }
+    return longest;
+}
 
 /// Writes a line with rate and sizes, and one for each layer:
 ///

@@ -22,8 +22,8 @@
 ///         wait for 1 / show.fps seconds
 ///     }
 ///
-/// Frames are counted from 0. Nothing here allocates but the constructor of a `Player` and
-/// `sample`.
+/// Frames are counted from 0. Nothing here allocates but the constructor of a `Player`, `sample`,
+/// and a `Playhead` that refuses an animation.
 
 namespace Kiv {
 
@@ -33,7 +33,8 @@ namespace Kiv {
 ///     value   | 1   .75  .5  .25  | 5   5   5 | none ...    none past the end too
 ///     frame   | 0   1    2   3    | 4   5   6 | 7
 ///
-/// The value on a frame is, to the bit, the one that the layer, cut there, begins with. A key
+/// The value on a frame is, to the bit, the one that the layer, cut there, begins with. (A NaN
+/// may be another one.) A key
 /// without a value has none: whether a light then keeps the last one or goes dark is for the
 /// program to say.
 ///
@@ -42,9 +43,14 @@ namespace Kiv {
 class Track {
 public:
     /// Stands on frame 0 of `keys`.
-    Track(const std::string& name, const KeyVector& keys) : layer(&name), keys(&keys) {}
+    Track(const std::string& name, const KeyVector& keys) : layerName(&name), layer(&keys) {
+        seek(0);
+    }
+    Track(std::string&& name, const KeyVector& keys) = delete; // they have to outlive it
+    Track(const std::string& name, KeyVector&& keys) = delete;
+    Track(std::string&& name, KeyVector&& keys) = delete;
 
-    [[nodiscard]] const std::string& name() const { return *layer; }
+    [[nodiscard]] const std::string& name() const { return *layerName; }
 
     /// Goes to `frame`. Costs the keys between; backwards, those from the start on.
     void seek(unsigned int frame) {
@@ -56,7 +62,7 @@ public:
     }
 
     /// Whether the track stands at the end of the layer or past it.
-    [[nodiscard]] bool ended() const { return index >= keys->size(); }
+    [[nodiscard]] bool ended() const { return index >= layer->size(); }
 
     /// The value on the frame on which the track stands, if there is one.
     [[nodiscard]] std::optional<float> value() const {
@@ -67,16 +73,19 @@ public:
 
     /// The next frame on which the value may be another one; 2^32 - 1 if there is none.
     [[nodiscard]] unsigned int nextChange() const {
+        constexpr unsigned int none = std::numeric_limits<unsigned int>::max();
         if (ended())
-            return std::numeric_limits<unsigned int>::max();
-        return key().command.effect == Transition ? at + 1 : begin + key().duration;
+            return none;
+        const bool changes = key().command.effect == Transition;
+        const unsigned int next = changes ? at + 1 : begin + key().duration;
+        return next > at ? next : none; // it is not past 2^32 - 1
     }
 
 private:
     friend void sample(const LayerMap& layers, unsigned int start, unsigned int count,
                        float* place);
 
-    const AnimationKey& key() const { return (*keys)[index]; }
+    const AnimationKey& key() const { return (*layer)[index]; }
     bool hasValue() const {
         return !ended() && static_cast<std::uint32_t>(key().command.effect) <= Hold &&
                !key().command.args.empty();
@@ -92,30 +101,30 @@ private:
     /// Writes the values of `count` frames from here on, each `step` floats after the one before
     /// it, and goes to the frame after them; NaN where there is none.
     void write(unsigned int count, float* place, std::size_t step) {
-        float* const end = place + count * step;
-        while (place != end && !ended()) {
+        std::size_t next = 0;
+        while (count > 0 && !ended()) {
             const AnimationKey playing = key();
             const AnimationKeyArgs& args = playing.command.args;
             const unsigned int from = at - begin;
             const unsigned int run = std::min(count, playing.duration - from);
             const float first = value().value_or(std::numeric_limits<float>::quiet_NaN());
-            *place = first;
-            place += step;
+            place[next] = first;
+            next += step;
             if (moves())
-                for (unsigned int i = from + 1; i < from + run; ++i, place += step)
-                    *place = transition_value(args[0], args[1], i, playing.duration);
+                for (unsigned int i = from + 1; i < from + run; ++i, next += step)
+                    place[next] = transition_value(args[0], args[1], i, playing.duration);
             else
-                for (unsigned int i = from + 1; i < from + run; ++i, place += step)
-                    *place = first;
+                for (unsigned int i = from + 1; i < from + run; ++i, next += step)
+                    place[next] = first;
             count -= run;
             seek(at + run);
         }
-        for (; place != end; place += step)
-            *place = std::numeric_limits<float>::quiet_NaN();
+        for (; count > 0; --count, next += step)
+            place[next] = std::numeric_limits<float>::quiet_NaN();
     }
 
-    const std::string* layer;
-    const KeyVector* keys;
+    const std::string* layerName;
+    const KeyVector* layer;
     std::size_t index = 0;  ///< The key that plays; past the last one at the end.
     unsigned int begin = 0; ///< The frame on which it begins.
     unsigned int at = 0;
@@ -130,7 +139,7 @@ public:
         for (const auto& [name, keys] : layers)
             tracks.emplace_back(name, keys);
     }
-    explicit Player(LayerMap&&) = delete; // they have to outlive it
+    explicit Player(const LayerMap&& layers) = delete; // they have to outlive it
 
     /// Goes to `frame` in all layers. To the next one it costs a constant a layer; backwards, all
     /// keys before `frame`.
@@ -204,12 +213,12 @@ inline void sample(const LayerMap& layers, unsigned int start, unsigned int coun
 /// of the animation has to be made anew then, and gives no value on the frames that are gone.
 class Playhead {
 public:
-    /// Stands on frame 0. Throws std::invalid_argument, as a copy does, if the sizes do not fit or
+    /// Stands on frame 0. Throws std::invalid_argument, as a copy would, if the sizes do not fit or
     /// a layer lasts 2^31 frames or more. Costs all keys.
     explicit Playhead(const Animation& animation)
         : bodyBegin(animation.introSize), end(animation.durationInFrames()) {
-        constexpr unsigned int limit = 1U << 31;
-        if (end >= limit || bodyBegin > end || animation.outroSize > end - bodyBegin)
+        const bool tooLong = full_duration(animation.layers) >= std::uint64_t{1} << 31;
+        if (tooLong || bodyBegin > end || animation.outroSize > end - bodyBegin)
             static_cast<void>(Animation(animation)); // which says what is wrong
         bodyEnd = end - animation.outroSize;
     }

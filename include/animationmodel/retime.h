@@ -89,22 +89,9 @@ inline void move_boundaries(Animation& it, std::uint64_t duration, const Ratio& 
 } // namespace retiming
 /// \endcond
 
-/// Frames of the longest layer, summed in 64 bits: what `durationInFrames` says, but for layers of
-/// 2^32 frames or more. Costs all keys.
-[[nodiscard]] inline std::uint64_t full_duration(const LayerMap& layers) {
-    std::uint64_t longest = 0;
-    for (const auto& [name, keys] : layers) {
-        std::uint64_t total = 0;
-        for (const AnimationKey& key : keys)
-            total += key.duration;
-        longest = std::max(longest, total);
-    }
-    return longest;
-}
-
 /// Sets the frame rate to `fps`, and moves all boundaries so that the animation lasts as many
 /// seconds as before. Both rates count as the exact values of their floats: at twice the rate and
-/// then at half of that again, an animation is what it was.
+/// then at half of that again, keys are what they were, and so are sizes that fit.
 ///
 /// Throws std::invalid_argument, and changes nothing, if `fps` or the animation's own rate is not
 /// above 0 or not finite, or if a layer lasts 2^31 frames or more, before or after. Allocates
