@@ -12,10 +12,12 @@ using namespace Kiv;
 using nlohmann::json;
 
 TEST(JsonTest, WritesWhatPeopleWouldWrite) {
-    Animation show = animation("lamp: T0,1:10 H0.1:20 W:5; motor: E7:2; none:  | 10 9");
+    Animation show = animation("lamp: T0,1:10 H0.1:20 W:5; motor: E4:2 E-2147483648:1 "
+                               "E2147483647:4294967295; none:  | 10 4294967295");
     const std::string text =
         R"({"fps":25,"introSize":10,"layers":{"lamp":[["Transition",[0,1],10],["Hold",[0.1],20],)"
-        R"(["Wait",[],5]],"motor":[[7,[],2]],"none":[]},"outroSize":9})";
+        R"(["Wait",[],5]],"motor":[[4,[],2],[-2147483648,[],1],[2147483647,[],4294967295]],)"
+        R"("none":[]},"outroSize":4294967295})";
     EXPECT_EQ(json(show).dump(), text);
     EXPECT_EQ(animation_from_json(text), show);
     const Rotation rotation(1, 0, 3, 2, 4);
@@ -50,6 +52,14 @@ TEST(JsonTest, ReadsWhatIsLeftOut) {
     EXPECT_EQ(show, animation("a: H-0.5:10"));
 }
 
+TEST(JsonTest, ReadsIntoAnAnimationOrLeavesIt) {
+    Animation show;
+    json(animation("a: H1:1 | 1 0")).get_to(show);
+    EXPECT_EQ(show, animation("a: H1:1 | 1 0"));
+    EXPECT_NE(refusal([&] { json::parse(R"({"layers": {"b": 1}})").get_to(show); }), "");
+    EXPECT_EQ(show, animation("a: H1:1 | 1 0"));
+}
+
 /// As edits may leave them, with any floats.
 TEST(JsonTest, ReadsBackTheSameBits) {
     std::mt19937 generator;
@@ -82,6 +92,9 @@ TEST(JsonTest, RefusesWhatIsNoAnimation) {
     const std::string whole = "needs a number of frames from 0 to 4294967295, not ";
     const std::string number =
         R"(needs a number within the floats' range, "nan", "inf" or "-inf", )";
+    const std::string effect = "needs Transition, Hold, NoValue, Wait or a number from "
+                               "-2147483648 to 2147483647, not ";
+    const std::string nines(58, '9'); // are shown, one more is not
     const struct {
         std::string text, expected;
     } rows[] = {
@@ -95,12 +108,14 @@ TEST(JsonTest, RefusesWhatIsNoAnimation) {
         {R"({"layers": {}, "introSize": true})", "/introSize: " + whole + "true"},
         {R"({"layers": {}, "introSize": 1.5})", "/introSize: " + whole + "1.5"},
         {R"({"layers": {}, "fps": null})", "/fps: " + number + "not null"},
+        {R"({"layers": {}, "fps": ")" + nines + "\"}", "/fps: " + number + "not \"" + nines + "\""},
+        {R"({"layers": {}, "fps": "9)" + nines + "\"}", "/fps: " + number + "not string"},
         {R"({"layers": {"a/b": 1}})", "/layers/a~1b: needs an array of keys, not 1"},
         {R"({"layers": {"a": [["Wait", [], 1], ["Wait", []]]}})",
          "/layers/a/1: needs an effect, its arguments and a number of frames, [\"Hold\", [1], 5]"},
-        {R"({"layers": {"a": [["hold", [1], 1]]}})",
-         "/layers/a/0/0: needs Transition, Hold, NoValue, Wait or a number from -2147483648 to "
-         "2147483647, not \"hold\""},
+        {R"({"layers": {"a": [["hold", [1], 1]]}})", "/layers/a/0/0: " + effect + "\"hold\""},
+        {R"({"layers": {"a": [[2147483648,[],1]]}})", "/layers/a/0/0: " + effect + "2147483648"},
+        {R"({"layers": {"a": [[-2147483649,[],1]]}})", "/layers/a/0/0: " + effect + "-2147483649"},
         {R"({"layers": {"a": [["Hold", 1, 1]]}})",
          "/layers/a/0/1: needs an array of arguments, not 1"},
         {R"({"layers": {"a": [["Transition", [0, 1e39], 1]]}})",
@@ -119,6 +134,9 @@ TEST(JsonTest, RefusesWhatIsNoAnimation) {
                   row.expected);
         EXPECT_EQ(refusal([&] { return animation_from_json(row.text); }), row.expected);
     }
+    const json made = {{"layers", json::object()}, {"fps", "\xff"}}; // is read from no text
+    EXPECT_EQ(refusal([&] { static_cast<void>(made.get<Animation>()); }),
+              "/fps: " + number + "not \"\ufffd\"");
 }
 
 TEST(JsonTest, RefusesTextsThatCannotBeRead) {
@@ -129,6 +147,9 @@ TEST(JsonTest, RefusesTextsThatCannotBeRead) {
         {"{\"layers\":\n {,", "parse error at line 2, column 3: syntax error while parsing object "
                               "key - unexpected ','; expected string literal"},
         {R"({"layers": {"a": [["Hold", [1e999], 1]]}})", "number overflow parsing '1e999'"},
+        {"\"xy€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€", // cut at 200 bytes, between two characters
+         "parse error at line 1, column 94: syntax error while parsing value - invalid string: "
+         "missing closing quote; last read: '\"xy€€€€€€€€€€€€€€€€€€€€€€€€€"},
         {R"({"layers": {}, "fps": 1, "fps": 2})", "/fps: is there twice"},
         {R"({"layers": {"a": [], "fps": [], "a": []}})", "/layers/a: is there twice"},
         {deep + std::string(deep.size(), ']'), "needs an object with layers, not array"},

@@ -1,5 +1,6 @@
 #include "Colour.h"
 #include "Picture.h"
+#include "Recording.h"
 #include "Text.h"
 #include "Timeline.h"
 
@@ -35,4 +36,16 @@ TEST(ViewTest, PicturesAreXmlWhateverTheNames) {
         svg.find(">a&lt;b&gt;&amp;" + bad + bad + bad + bad + bad + bad + "\u00e9\U0001f4a1<"),
         std::string::npos)
         << svg;
+}
+
+/// A text after which nothing can be read.
+struct Torn : std::stringbuf {
+    using std::stringbuf::stringbuf;
+    int_type underflow() override { throw std::runtime_error("read error"); }
+};
+
+TEST(RecordingTest, IsRefusedIfItCannotBeReadToItsEnd) {
+    Torn file("OLA Show\n1 255\n40\n");
+    std::istream in(&file);
+    EXPECT_THROW(read_recording(in, "torn"), std::runtime_error);
 }

@@ -27,15 +27,32 @@ expect 2 'demo: --svg: needs a word' --svg ''
 expect 2 'demo: cannot write ./none/a.svg: No such file' --svg ./none/a.svg
 expect 1 'demo: --play needs a terminal' --play
 
-! "$demo" >/dev/full 2>/dev/null || exit 1
+fail() {
+    printf 'demo%.700s\n' "$1" >&2
+    exit 1
+}
+! "$demo" >/dev/full 2>/dev/null || fail ' succeeds although it cannot write'
+
+# PULSE REST RISE FALL STEP
+text=$("$demo" 1.5 -1 8 7 2)
+row='FaceLed1 | |-1>1.5 |1.5>-1||-1>1.5 |1.5>-1|-1         |'
+case $text in
+*"$row"*) ;;
+*) fail " 1.5 -1 8 7 2 draws no
+$row
+but
+$text" ;;
+esac
 
 # Where it is no terminal, steps and timelines are plain text of at most 80 columns.
 text=$("$demo")
 case $text in
-*"$(printf '\033')"*) exit 1 ;;
+*"$(printf '\033')"*) fail ' colours what is no terminal' ;;
 '1. Rotation
 74 frames'*'
 FaceLed7 '*'0>1 is a Transition'*) ;;
-*) exit 1 ;;
+*) fail " draws
+$text" ;;
 esac
-[ "$(echo "$text" | wc -L)" -le 80 ]
+[ "$(echo "$text" | wc -L)" -le 80 ] || fail " draws more than 80 columns
+$text"

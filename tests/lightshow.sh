@@ -13,8 +13,7 @@ fail() {
 makes() { # what is written, on one line, then the arguments
     expected=$1
     shift
-    "$lightshow" "$@" --write out
-    got=$(sed 1d out | tr '\n' ' ')
+    got=$("$lightshow" "$@" --write out 2>&1 && sed 1d out | tr '\n' ' ') || true
     [ "$got" = "$expected " ] || fail "$*: $got instead of $expected"
 }
 reads() { # what is written of it, on one line, then the recording; and what is written is read again
@@ -32,6 +31,12 @@ reads '10000  0 4294967295 1 5 10000 2 5 10000  5 10000 2 5' \
     '4294967295 1\n5\n10000 2\n5\n10000 \n5\n10000 2\n5'
 # what lasts for no time
 reads '1 1 18 1 3 1' '1 1\n9\n1 2\n0\n1 1\n9\n1 3\n0'
+# as many channels, and as many milliseconds, as there may be
+channels=$(printf '%0511d7' 0 | sed 's/0/0,/g')
+reads "1 $channels 40" "1 $channels\n40\n"
+reads '1 7 2147483646' '1 7\n2147483646\n'
+printf 'OLA Show\n1 7\n2147483646\n1 8\n' >in
+makes '1 7 2147483646 1 8 1' in
 makes '1 10,20 100 1 30 50' a
 makes '1 10,20 50 1 30 20' a --keep 50 120
 makes '1 10,20 50 1 30 50' a --keep 0.05s 1s
@@ -48,6 +53,9 @@ makes '1 10,20 3 1 30 1' a --last 4
 makes '1 10,20 40 1 30 20' a --loop 2 --last 0.12s --keep 0 60
 makes '1 0,0,0,0,0,0,0,0 1 1 128,0,0,0,0,0,0,0 1 1 255,128,0,0,0,0,0,0 1' --rotation 255 0 2 2 1 --keep 0 3
 makes '1 255,128,0,0,0,0,0,0 1 1 128,255,128,0,0,0,0,0 1' --rotation 255 0 2 2 1 --keep 2 4
+makes '1 3,3,3,3,3,3,3,3 1 1 5,3,3,3,3,3,3,3 1 1 4,3,3,3,3,3,3,3 1 1 3,3,3,3,3,3,3,3 1 1 3,5,3,3,3,3,3,3 1' \
+    --rotation 5 3 1 2 3 --keep 0 5
+makes '1 10,20 100 1 30 50' a --intro 90 --outro 60 --loop 1
 
 # animations as JSON: ends at the nearest millisecond, a Transition played, parts that stay parts
 printf '{"fps": 300, "introSize": 1, "outroSize": 4, "layers": {"1.2": [["Hold", [7], 1],
@@ -59,6 +67,22 @@ makes "$rising" c.json
 for member in '"0001.002": \[$' '"introSize": 3,' '"outroSize": 14,'; do
     grep -q "$member" c.json || fail "writes no $member"
 done
+printf 'OLA Show\n9999 1\n0\n10000 1\n' >in
+"$lightshow" in --write in.json
+for name in 9999.001 :0000010000.001; do
+    grep -q "\"$name\": " in.json || fail "calls no layer $name"
+done
+shows() { # what is written of it, on one line, then the animation
+    printf '%b' "$2" >in
+    makes "$1" in
+}
+# blanks before, and no frame rate
+shows '1 7 40' ' \n{"layers": {"1.1": [["Hold", [7], 1]]}}'
+# values that no channel can have
+shows '1 0 10 1 255 20' '{"fps": 100, "layers": {"1.1": [["Hold", [-1], 1], ["Hold", [256], 2]]}}'
+# the last channel, and the longest show
+shows "1 $channels 40" '{"layers": {"1.512": [["Hold", [7], 1]]}}'
+shows '1 7 2147483647' '{"fps": 1000, "layers": {"1.1": [["Hold", [7], 2147483647]]}}'
 # a key that lasts no millisecond is gone
 printf '{"fps": 4000, "layers": {"1.1": [["Hold", [1], 1], ["Hold", [2], 7]]}}' >d
 "$lightshow" d --write d.json
@@ -79,18 +103,23 @@ done
 [ ! -e piece5 ] && grep -q '<svg' a.svg || fail 'writes the wrong files'
 "$lightshow" a | tr '\n' ' ' | grep -q 'at 1000 fps.* 0001.002 |20 ' || fail 'draws no timeline'
 
+within='' file=''
 refuses() { # status, what is said, then the arguments
     status=$1 said=$2
     shift 2
     echo old >out
     got=0
-    text=$("$lightshow" "$@" --write out 2>&1) || got=$?
-    [ "$got" = "$status" ] && [ "$text" = "lightshow: $said" ] && [ "$(cat out)" = old ] ||
-        fail "$*: status $got, $text"
+    text=$($within "$lightshow" "$@" --write out 2>&1) || got=$?
+    [ "$got" = "$status" ] && [ "$text" = "lightshow: $said" ] ||
+        fail "$*: status $got, $text instead of $status, $said$file"
+    [ "$(cat out)" = old ] || fail "$*: is refused and writes"
+    [ "$(echo out*)" = out ] || fail "$*: is refused and leaves $(echo out*)"
 }
 is_none() { # the line and what is wrong there, then the file
     printf '%b' "$2" >bad
+    file=" for $2"
     refuses 2 "bad:$1" bad
+    file=
 }
 is_none '1: cannot be read, or is empty' ''
 is_none '1: a recording begins with "OLA Show"' 'OLA show\n'
@@ -104,13 +133,20 @@ is_none '2: a universe has no more than 512 values' "OLA Show\n1 $(printf '%0513
 is_none '3: a time in milliseconds cannot be "1 0"' 'OLA Show\n1 0\n1 0\n'
 is_none '3: a time in milliseconds cannot be "2147483647"' 'OLA Show\n1 0\n2147483647\n'
 is_none '3: a time in milliseconds cannot be ""' 'OLA Show\n1 0\n\n'
+is_none '5: a time in milliseconds cannot be "1"' 'OLA Show\n1 0\n2147483646\n1 1\n1\n'
 is_none ' /layers/1.1/0/0: needs Transition, Hold, NoValue, Wait or a number from -2147483648 to 2147483647, not "hold"' \
     '{"layers": {"1.1": [["hold", [1], 1]]}}'
 is_none ' a layer is called UNIVERSE.CHANNEL, such as 1.5, not "lamp"' '{"layers": {"lamp": []}}'
 is_none ' a layer is called UNIVERSE.CHANNEL, such as 1.5, not "1.513"' '{"layers": {"1.513": []}}'
 is_none ' a layer is called UNIVERSE.CHANNEL, such as 1.5, not "1.0"' '{"layers": {"1.0": []}}'
 is_none ' the channel of layer "1.1" has another one' '{"layers": {"1.1": [], "1.01": []}}'
-is_none ' Frame rates (0 and 1000) should be above 0 and finite to change them' '{"fps": 0, "layers": {"1.1": [["Wait", [], 1]]}}'
+for fps in 0 -25 inf -inf nan; do
+    case $fps in *[0-9]*) quoted=$fps ;; *) quoted="\"$fps\"" ;; esac
+    is_none " Frame rates ($fps and 1000) should be above 0 and finite to change them" \
+        "{\"fps\": $quoted, \"layers\": {\"1.1\": [[\"Wait\", [], 1]]}}"
+done
+is_none ' Animation would last 2147483648 frames or more' \
+    '{"fps": 999.99, "layers": {"1.1": [["Wait", [], 2147483647]]}}'
 printf 'OLA Show\n1 10,20\n100\n1 300\n' >bad
 refuses 2 'bad:4: a value cannot be "300"' bad
 refuses 2 'bad:4: a value cannot be "300"' a --append bad
@@ -121,9 +157,26 @@ refuses 2 '--keep: TO has to come after FROM' a --keep 5 2
 refuses 2 '--last: a time such as 1500 or 1.5s cannot be "1.5m"' a --last 1.5m
 refuses 2 'An animation of 150 frames cannot last 0' a --last 0
 refuses 2 '--rotation: needs a number from 0 to 255, not "256"' --rotation 255 256 1 1 1
+refuses 2 '--rate: needs a number from 1 to 1000, not "0"' a --rate 0
+refuses 2 '--rate: needs a number from 1 to 1000, not "1001"' a --rate 1001
+makes '1 10,20 100 1 30 50' a --rate 1 --rate 1000
 refuses 2 '--split: a time above 0 such as 1500 or 1.5s cannot be "0s"' a --write out --split 0s piece
-refuses 2 'the show is too long, or too short for intro and outro' a --intro 90 --outro 90
+refuses 2 'the show is too long, or too short for intro and outro' a --intro 90 --outro 61
 refuses 2 'cannot write none/b: No such file or directory' a --write none/b
+mkdir folder
+refuses 2 'cannot write folder: Is a directory' a --write folder
+[ -d folder ] || fail 'removes a folder'
+full_disk() { (trap '' XFSZ && ulimit -f 0 && exec "$@"); }
+within=full_disk
+refuses 2 'cannot write out: File too large' a
+within=
+
+# what is no plain file stays what it is
 ln -s a link
 "$lightshow" b --write link
 [ -L link ] && cmp -s a b || fail 'replaces a link'
+mkfifo pipe
+timeout 5 cat pipe >piped &
+"$lightshow" b --write pipe
+wait $! || true
+[ -p pipe ] && cmp -s piped b || fail 'replaces a pipe'

@@ -72,10 +72,12 @@ public:
         for_each_key(layer, [&](const AnimationKey& key, std::uint64_t begin) {
             if (key.duration == 0)
                 return;
+            const std::uint64_t end = begin + key.duration;
             const std::size_t from = begin / scale;
-            const std::size_t to = (begin + key.duration - 1) / scale + 1;
+            const std::size_t to = (end + scale - 1) / scale;
+            const std::size_t next = end < duration ? end / scale : to; // where a key may begin
             std::string block = sign_of(key).insert(0, 1, '|');
-            if (block.size() > to - from)
+            if (block.size() > next - from)
                 block = "|";
             const bool filler = key.command.effect == Wait && block.size() > 1;
             block.resize(to - from, filler ? '~' : ' ');

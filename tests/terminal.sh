@@ -1,0 +1,81 @@
+#!/bin/sh
+# terminal.sh LIGHTSHOW DEMO: what the two programs draw on a terminal, and where there is none.
+set -eu
+lightshow=$1
+demo=$2
+. "$(dirname "$(readlink -f "$0")")/scratch.sh"
+unset NO_COLOR
+export SHELL=/bin/sh
+
+on_terminal() { # what the command draws there, with ^ for the signs that begin a colour
+    script -qc "$1" /dev/null </dev/null | tr -d '\r' | sed 's/\x1b\[/^/g'
+}
+compare() { # what is drawn, what should be
+    [ "$1" = "$2" ] || {
+        printf 'terminal.sh: draws\n%s\ninstead of\n%s\n' "$1" "$2" >&2
+        exit 1
+    }
+}
+
+# Values stand where there is room for them before the next key; intro and outro are marked.
+cat >long.json <<'END'
+{ "fps": 1000, "introSize": 20, "outroSize": 33, "layers": {
+    "1.1": [["Transition", [0, 255], 40], ["Hold", [7], 20], ["Wait", [], 40], ["NoValue", [], 19]],
+    "1.2": [["Hold", [10], 6], ["Hold", [20], 5], ["Transition", [25, 30], 13], ["Hold", [40], 9]] } }
+END
+in_80_columns='119 frames, 0.119 s at 1000 fps, intro 20, outro 33, 2 frames a column
+frame    0         20        40        60        80        100
+         intro=====                                 outro============
+0001.001 |0>255              |7        |~~~~~~~~~~~~~~~~~~~|-        |
+0001.002 |10| |25>30 |40                                             |'
+compare "$("$lightshow" long.json)" "$in_80_columns"
+
+# A terminal has a width of its own, but for one that does not know it.
+compare "$(on_terminal "stty cols 0; NO_COLOR=1 '$lightshow' long.json")" "$in_80_columns"
+compare "$(on_terminal "stty cols 40; NO_COLOR=1 '$lightshow' long.json")" \
+    '119 frames, 0.119 s at 1000 fps, intro 20, outro 33, 4 frames a column
+frame    0           50           100
+         intro                outro====
+0001.001 |0>255    |7   |~~~~~~~~~|-   |
+0001.002 |||   |                       |'
+
+# A timeline just fills its width, or has twice as many frames a column.
+cat >short.json <<'END'
+{ "fps": 1000, "layers": { "1.1": [["Hold", [0], 5], ["Hold", [255], 4], ["NoValue", [], 1]] } }
+END
+compare "$(on_terminal "stty cols 20; NO_COLOR=1 '$lightshow' short.json")" \
+    '10 frames, 0.01 s at 1000 fps, intro 0, outro 0
+frame    0
+0001.001 |0   |255||'
+"$lightshow" short.json --append short.json --keep 0 11 --write longer.json
+compare "$(on_terminal "stty cols 20; NO_COLOR=1 '$lightshow' longer.json")" \
+    '11 frames, 0.011 s at 1000 fps, intro 0, outro 0, 2 frames a column
+frame    0
+0001.001 |0| |||'
+
+# What has a value has its colour.
+dark='^48;2;44;64;128m^97m'
+light='^48;2;255;209;102m^30m'
+compare "$(on_terminal "'$lightshow' short.json --keep 4 10")" \
+    "6 frames, 0.006 s at 1000 fps, intro 0, outro 0
+frame    0
+0001.001 $dark|^0m$light|^0m${light}2^0m${light}5^0m${light}5^0m|^0m"
+
+# The played demo hides the cursor and gives it back, however it is ended; NO_COLOR asks for signs.
+plays() { # signal, the environment, what lights look like
+    played=$(on_terminal "$2 timeout -s $1 1 '$demo' --play" | tail -n 1)
+    case $played in
+    "^?25l  $3 $3 $3 $3 $3 $3 $3 $3 frame 0 of 115^K"*"^K^?25h") ;;
+    *)
+        printf 'terminal.sh: ended by %s, the demo plays\n%.300s\n' "$1" "$played" >&2
+        return 1
+        ;;
+    esac
+}
+plays INT LC_ALL=C.UTF-8 "^38;2;44;64;128m$(printf '\342\227\217')^0m" &
+first=$!
+plays TERM 'LC_ALL=C.UTF-8 NO_COLOR=1' . &
+second=$!
+plays INT LC_ALL=C .
+wait $first
+wait $second
