@@ -4,5 +4,4 @@ lamp = Animation({"lamp": [Key(Transition, [0, 1], 10), Key(Hold, [1], 20)]}, in
 lamp.insert_in_layer("lamp", Key(Hold, [0.5], 5), 16)  # dims at frame 16: the Hold is cut
 looped = lamp.loop(3, repeat_intro=False, repeat_outro=False)
 print(looped.duration_in_frames(), "frames:", looped.sample())  # numpy, frames x layers
-with open("lamp.json", "w") as file:
-    file.write(looped.to_json())
+looped.save("lamp.json")
