@@ -33,6 +33,8 @@ CMake package and the pkg-config file.")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-animationmodel)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+    "${PROJECT_SOURCE_DIR}/cmake/postinst;${PROJECT_SOURCE_DIR}/cmake/prerm")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}") # the module's library
 set(CPACK_COMPONENT_PYTHON_DESCRIPTION
     "Key-frame animations as data (Python 3 module)

@@ -1,5 +1,6 @@
 import base64
 import doctest
+import importlib.metadata
 import inspect
 import pathlib
 import re
@@ -81,6 +82,7 @@ def test_the_version_is_that_of_the_library():
     text = (ROOT / "CMakeLists.txt").read_text()
     version = re.search(r"^    VERSION (.*)$", text, re.MULTILINE)[1]
     assert animationmodel.__version__ == version
+    assert importlib.metadata.version("animationmodel") == version
 
 
 def test_hostile_calls_come_back():
