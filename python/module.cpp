@@ -75,14 +75,17 @@ py::object duration_in(PyObject* self, void* /*none*/) {
 }
 
 void bind_keys(py::module_& m) {
+    static char doc[] = "Key(effect, args, duration)\n--\n\n"; // the signature
     static PyGetSetDef members[] = {
         {"effect", Direct<effect_in>::call, nullptr, "What a layer does meanwhile.", nullptr},
         {"args", Direct<args_in>::call, nullptr, "The values for it.", nullptr},
         {"duration", Direct<duration_in>::call, nullptr, "Frames.", nullptr},
         {}};
-    const py::handle key = KeyObject::make_type(
-        "animationmodel._core.Key",
-        {slot<new_key>(Py_tp_new), slot<compare_keys>(Py_tp_richcompare), {Py_tp_getset, members}});
+    const py::handle key =
+        KeyObject::make_type("animationmodel._core.Key", {slot<new_key>(Py_tp_new),
+                                                          slot<compare_keys>(Py_tp_richcompare),
+                                                          {Py_tp_getset, members},
+                                                          {Py_tp_doc, doc}});
     const auto bind = [&](const char* name, const auto& method) {
         key.attr(name) = py::cpp_function(method, py::name(name), py::is_method(key));
     };

@@ -33,6 +33,7 @@ def test_examples_in_docstrings():
 
 @pytest.mark.parametrize("kind", [Animation, Key, Layer, Layers, animationmodel.Rotation])
 def test_everything_has_a_docstring_and_a_signature(kind):
+    inspect.signature(kind)
     for name, member in inspect.getmembers(kind):
         if not name.startswith("_"):
             assert inspect.getdoc(member), name
@@ -44,6 +45,12 @@ def test_docstrings_use_words_of_python():
     said = "\n".join(inspect.getdoc(member) or "" for kind in (Animation, Key, Layer, Layers)
                      for _, member in inspect.getmembers(kind))
     assert not re.findall(r"std::|\bthrows?\b|\b[a-z]+[A-Z]\w*|nullptr|\bconst\b", said)
+
+
+def test_the_page_is_made_of_the_docstrings():
+    made = run(ROOT / "python/document.py")
+    how = "script/python python/document.py >docs/python.md"
+    assert made == (ROOT / "docs/python.md").read_text(), how
 
 
 def test_readme_shows_what_runs(tmp_path):

@@ -376,8 +376,7 @@ class Animation(metaclass=DefaultFps):
         return self._value.intro_body_outro_layers()
 
     def loop(self, count: SupportsIndex, repeat_intro: bool, repeat_outro: bool) -> Animation:
-        """Returns an animation that plays the body `count` times, between one intro and one
-        outro.
+        """Returns an animation that plays the body `count` times between intro and outro.
 
         With `repeat_intro` and `repeat_outro` these come back around every body.
 

@@ -31,8 +31,8 @@ class Layer(_core.Layer, MutableSequence[Key]):
     >>> keys == show.layer("lamp")
     True
 
-    Slices, sums, products and copies are lists of their own. To exchange two layers, take copies:
-    `layers["a"], layers["b"] = layers["b"].copy(), layers["a"].copy()`.
+    It has what lists have; slices, sums, products and copies are lists of their own. To exchange
+    two layers, take copies: `layers["a"], layers["b"] = layers["b"].copy(), layers["a"].copy()`.
     """
 
     __slots__ = ()
