@@ -88,7 +88,9 @@ class Layer(_core.Layer, MutableSequence[Key]):
         return self
 
     def __eq__(self, other: object) -> bool:
-        return self[:] == (other[:] if isinstance(other, Layer) else other)
+        if not isinstance(other, (list, Layer)):
+            return NotImplemented
+        return len(self) == len(other) and all(map(operator.eq, self, other))
 
     def __repr__(self) -> str:
         return repr(self[:]) if len(self) <= MOST_SHOWN else f"<Layer of {len(self)} keys>"
