@@ -6,7 +6,7 @@
 import inspect
 
 import animationmodel
-from animationmodel import Animation, Effect, Key, Layer, Layers, Rotation
+from animationmodel import Animation, Effect, Key, Layer, Layers, Playhead, Rotation
 
 
 def text_of(thing):
@@ -34,7 +34,7 @@ def heading_of(kind, name, member):
 
 
 def print_class(kind):
-    called = kind in (Animation, Key, Rotation)
+    called = kind in (Animation, Key, Playhead, Rotation)
     heading = f"`{call_of(kind.__name__, kind)}`" if called else kind.__name__
     print(f"\n## {heading}\n\n{text_of(kind)}")
     for name, member in vars(kind).items():
@@ -43,5 +43,5 @@ def print_class(kind):
 
 
 print(f"# Python\n\n{text_of(animationmodel)}")
-for kind in (Animation, Layers, Layer, Key, Effect, Rotation):
+for kind in (Animation, Layers, Layer, Key, Effect, Playhead, Rotation):
     print_class(kind)

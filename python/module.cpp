@@ -7,6 +7,7 @@
 
 #include <animationmodel/Rotation.h>
 #include <animationmodel/play.h>
+#include <animationmodel/retime.h>
 
 #include <pybind11/numpy.h>
 
@@ -279,6 +280,8 @@ void bind_animations(py::module_& m) {
         .def("remove", &Animation::remove)
         .def("override_layers_with", &Animation::overrideLayersWith)
         .def("set_fps_to_fit_duration_in_seconds", &Animation::setFPSToFitDurationInSeconds)
+        .def("change_frame_rate", change_frame_rate)
+        .def("stretch_to", [](Animation& self, unsigned int frames) { stretch_to(self, frames); })
         .def("reset", &Animation::reset)
         .def("intro_body_outro_layers",
              [](const Animation& self) {
@@ -298,6 +301,13 @@ void bind_animations(py::module_& m) {
         .def("copy", same)
         .def("equals", [](const Animation& a, const Animation& b) { return a == b; })
         .def("__str__", str<Animation>);
+
+    py::class_<Playhead>(m, "Playhead")
+        .def(py::init<const Animation&>())
+        .def("frame", &Playhead::frame)
+        .def("ended", &Playhead::ended)
+        .def("next", &Playhead::next)
+        .def("finish", &Playhead::finish);
 }
 
 } // namespace

@@ -267,6 +267,8 @@ CALLS = [
     several("loop", "number", "flag", "flag"),
     several("split_at", "number", "flag", "flag"),
     several("split_at", "keys", "flag", "flag"),
+    several("stretch_to", "number"),
+    several("change_frame_rate", "number"),
     several("split_each", "number", "flag", "flag"),
     several("sample", "number", "number"),
     several("layer", "name"),

@@ -8,7 +8,7 @@ import sys
 import jsonschema
 import numpy
 import pytest
-from animationmodel import Animation, Hold, Key, Layer, Rotation, Transition, Wait
+from animationmodel import Animation, Hold, Key, Layer, Layers, Playhead, Rotation, Transition, Wait
 
 ROOT = pathlib.Path(__file__).parents[2]
 
@@ -137,6 +137,8 @@ FLASH = Key(Hold, [7], 3)
     (lambda show: show.push_back(other(), False, True), "2 1", "1:4 2:3 W:3", "3:7 9:3"),
     (lambda show: show.remove(1, 4), "1 3", "1:1 2:5", "3:1 3:5"),
     (lambda show: show.override_layers_with(other(), 4), "2 3", "1:4 2:6", "3:4 9:3 3:6"),
+    (lambda show: show.stretch_to(20), "4 6", "1:8 2:12", "3:20"),
+    (lambda show: show.change_frame_rate(12.5), "1 1", "1:2 2:3", "3:5"),
 ])
 def test_edits(edit, sizes, a, b):
     edited = show()
@@ -183,6 +185,25 @@ def test_parts_and_measures():
     assert timed == Animation()
 
 
+@pytest.mark.parametrize("finished_at, frames", [
+    (0, [0, 1, 2, 3]),
+    (2, [0, 1, 2, 3]),
+    (3, [0, 1, 2, 1, 2, 3]),
+    (4, [0, 1, 2, 1, 2, 3]),
+])
+def test_a_playhead_gives_the_frames_that_are_due(finished_at, frames):
+    blink = Animation({"lamp": [Key(Hold, [1], 2), Key(Hold, [0], 2)]}, 1, 1)
+    head = Playhead(blink)
+    blink.reset()
+    due = []
+    for frame in head:
+        due.append(frame)
+        if len(due) == finished_at + 1:
+            head.finish()
+    assert due == frames
+    assert list(head) == []
+
+
 def test_sample_gives_what_each_cut_begins_with():
     show = Animation({"a": [Key(Transition, [0.1, 0.7], 7)], "b": [], "c": lamp().layer("lamp")})
     values = show.sample()
@@ -217,6 +238,8 @@ with ThreadPoolExecutor(2) as pool:
     lambda late: lamp() == late,
     lambda late: lamp().insert(late, 0),
     lambda late: Layer(late, "lamp"),
+    Layers,
+    Playhead,
 ])
 @pytest.mark.parametrize("late", [
     Late, lambda: Animation.__new__(Animation), lambda: Ring.__new__(Ring)
@@ -273,6 +296,13 @@ def put(layer, index, value):
     (lambda: lamp().simulated_duration_in_seconds("a"), TypeError, "fps needs a number, not a str"),
     (lambda: lamp().set_fps_to_fit_duration_in_seconds([]), TypeError,
      "seconds needs a number, not a list"),
+    (lambda: lamp().change_frame_rate("a"), TypeError, "fps needs a number, not a str"),
+    (lambda: lamp().change_frame_rate(0), ValueError,
+     "Frame rates (25 and 0) should be above 0 and finite to change them"),
+    (lambda: lamp().stretch_to(1.5), TypeError, "frames needs an int, not a float"),
+    (lambda: Playhead({}), TypeError, "animation needs an Animation, not a dict"),
+    (lambda: Playhead(), TypeError,
+     "Playhead.__new__() missing 1 required positional argument: 'animation'"),
     (lambda: lamp().layer("bell"), KeyError, "'bell'"),
     (lambda: lamp().layers["bell"], KeyError, "'bell'"),
     (lambda: lamp().layers.pop("é" * 101), KeyError, f"'{'é' * 100}'"),

@@ -25,13 +25,15 @@ def test_examples_in_docstrings():
     finder = doctest.DocTestFinder()
     examples = [test for test in finder.find(animationmodel) if test.examples]
     assert {test.name.split(".")[-1] for test in examples} >= {
-        "animationmodel", "Animation", "Effect", "Key", "Layer", "Layers", "Rotation"
+        "animationmodel", "Animation", "Effect", "Key", "Layer", "Layers", "Playhead", "Rotation"
     }
     for test in examples:
         assert doctest.DocTestRunner().run(test).failed == 0, test.name
 
 
-@pytest.mark.parametrize("kind", [Animation, Key, Layer, Layers, animationmodel.Rotation])
+@pytest.mark.parametrize("kind", [
+    Animation, Key, Layer, Layers, animationmodel.Playhead, animationmodel.Rotation
+])
 def test_everything_has_a_docstring_and_a_signature(kind):
     inspect.signature(kind)
     for name, member in inspect.getmembers(kind):

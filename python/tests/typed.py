@@ -6,7 +6,9 @@ import pickle
 
 import animationmodel
 import numpy
-from animationmodel import Animation, Effect, Hold, Key, Layer, Layers, NoValue, Rotation, Wait
+from animationmodel import (
+    Animation, Effect, Hold, Key, Layer, Layers, NoValue, Playhead, Rotation, Wait
+)
 
 version: str = animationmodel.__version__
 
@@ -75,6 +77,12 @@ shows: list[Animation] = [
 intro, body, outro = show.intro_body_outro_layers()
 assert [key.duration for key in body["a"]]
 assert len(intro) == len(outro)
+show.change_frame_rate(numpy.float32(50))
+show.stretch_to(numpy.int64(100))
+head = Playhead(show)
+for frame in head:
+    head.finish()
+    assert frame < 100
 values = show.sample(0, numpy.int64(3))
 assert values[:, show.names().index("a")].shape == (3,)
 seconds: float = show.duration_in_seconds() + show.simulated_duration_in_seconds(30)

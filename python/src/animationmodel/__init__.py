@@ -10,7 +10,7 @@ operations on frames are methods. An error is a TypeError, a ValueError, an Inde
 KeyError. It says which argument, which layer and which index is wrong.
 """
 
-from ._animation import Animation, Rotation
+from ._animation import Animation, Playhead, Rotation
 from ._core import version
 from ._keys import Effect, Hold, Key, NoValue, Transition, Wait
 from ._layers import Layer, Layers
@@ -24,10 +24,11 @@ __all__ = [
     "Layer",
     "Layers",
     "NoValue",
+    "Playhead",
     "Rotation",
     "Transition",
     "Wait",
 ]
 
-for _class in (Animation, Effect, Key, Layer, Layers, Rotation):
+for _class in (Animation, Effect, Key, Layer, Layers, Playhead, Rotation):
     _class.__module__ = __name__  # where programs, and what they pickle, find it

@@ -243,8 +243,7 @@ class Animation(metaclass=DefaultFps):
         self._value.push_back_in_layer(_core.text("name", name), keys)
 
     def remove_in_layer(self, name: str, start: SupportsIndex, count: SupportsIndex) -> None:
-        """Takes the frames [start, start + count) out of the layer; what lay after them moves
-        up.
+        """Takes the frames [start, start + count) out of the layer; what lay after them moves up.
 
             before  | A A A A | B B B B B B |            remove_in_layer("led", 2, 5)
             after   | A A | B B B |
@@ -257,8 +256,7 @@ class Animation(metaclass=DefaultFps):
         )
 
     def override_layer_with(self, name: str, keys: Keys, frame: SupportsIndex) -> None:
-        """Lays `keys` over the layer from `frame` on; where they are Wait, the layer shows
-        through.
+        """Lays `keys` over the layer from `frame` on; where they are Wait, the layer shows through.
 
             before  | A A A A | B B B B B B | C C C C C |
             keys    | ~ ~ ~ ~ | X X X X X X |              override_layer_with("led", keys, 0)
@@ -355,6 +353,30 @@ class Animation(metaclass=DefaultFps):
         Raises ValueError if that is 0 or less.
         """
         self._value.set_fps_to_fit_duration_in_seconds(_core.number("seconds", seconds))
+
+    def change_frame_rate(self, fps: Number) -> None:
+        """Sets `fps`, and moves all ends of keys so that the animation lasts as many seconds as
+        before.
+
+        Each end, and those of intro and outro, goes to the frame that is nearest to its time. A key
+        that is left without frames goes. At twice the rate and then at half of that again, an
+        animation is what it was. Raises ValueError, and changes nothing, if either rate is not
+        above 0 or not finite, or if a layer lasts 2^31 frames or more, before or after.
+        """
+        self._value.change_frame_rate(_core.number("fps", fps))
+
+    def stretch_to(self, frames: SupportsIndex) -> None:
+        """Moves all ends of keys so that the animation lasts `frames` frames. `fps` stays.
+
+            before              | A | B B B | C C C C |
+            stretch_to(3)       | B B | C |              the ends are at 0.375, 1.5 and 3
+
+        Each end, and those of intro and outro, goes to the nearest frame. A key that is left
+        without frames goes. Raises ValueError, and changes nothing, if `frames` is 0 for an
+        animation with frames, or not 0 for one without any, or if a layer lasts 2^31 frames or
+        more, before or after.
+        """
+        self._value.stretch_to(whole("frames", frames))
 
     def reset(self) -> None:
         """Goes back to no layers, sizes 0 and `default_fps`."""
@@ -602,3 +624,51 @@ class Rotation(Animation):
 
     def _attributes(self) -> dict[str, Any]:
         return {**super()._attributes(), "_given": self._parts}
+
+
+class Playhead:
+    """The frames of an animation in the order in which it plays: an iterator.
+
+    It plays the intro, the body again and again, and the outro after `finish`.
+
+        animation   | intro | body | outro |      told to finish during the second body
+        plays       | intro | body | body | outro |
+
+    >>> blink = Animation({"lamp": [Key(Hold, [1], 2), Key(Hold, [0], 2)]}, 1, 1)
+    >>> head = Playhead(blink)
+    >>> played = []
+    >>> for frame in head:
+    ...     played.append(frame)
+    ...     if len(played) == 4:
+    ...         head.finish()
+    >>> played
+    [0, 1, 2, 1, 2, 3]
+
+    An empty body plays once. The sizes are those that the animation has at first; an edit of it
+    does not disturb. Raises ValueError if they do not fit, or if a layer lasts 2^31 frames or more.
+    """
+
+    __slots__ = ("_head", "_begun")
+    _head: _core.Playhead
+    _begun: bool
+
+    def __new__(cls, animation: Animation) -> Playhead:
+        head = super().__new__(cls)
+        head._head = _core.Playhead(value_of("animation", animation))
+        head._begun = False
+        return head
+
+    def __iter__(self) -> Playhead:
+        return self
+
+    def __next__(self) -> int:
+        if self._begun:
+            self._head.next()  # not before: `finish` counts while the frame is due
+        self._begun = True
+        if self._head.ended():
+            raise StopIteration
+        return self._head.frame()
+
+    def finish(self) -> None:
+        """Has the body that plays be the last one. Any thread may call it, at any time."""
+        self._head.finish()

@@ -120,10 +120,13 @@ class Layers(MutableMapping[str, Layer]):
     """
 
     __slots__ = ("_animation",)
+    _animation: Animation
 
-    def __init__(self, animation: Animation) -> None:
+    def __new__(cls, animation: Animation) -> Layers:
         value_of("animation", animation)
-        self._animation = animation
+        layers = super().__new__(cls)
+        layers._animation = animation
+        return layers
 
     def __getitem__(self, name: str) -> Layer:
         if not isinstance(name, str):
