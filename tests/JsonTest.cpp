@@ -47,7 +47,9 @@ TEST(JsonTest, WritesEachKeyInALine) {
 
 TEST(JsonTest, ReadsWhatIsLeftOut) {
     Animation::defaultFps = 0;
-    const Animation show = json::parse(R"({"layers": {"a": [[1, [-0.5], 1e1]]}})").get<Animation>();
+    const std::string text =
+        R"({"$schema": "", "version": 1.0, "layers": {"a": [[1, [-0.5], 1e1]]}})";
+    const Animation show = json::parse(text).get<Animation>();
     Animation::defaultFps = 25;
     EXPECT_EQ(show, animation("a: H-0.5:10"));
 }
@@ -100,8 +102,10 @@ TEST(JsonTest, RefusesWhatIsNoAnimation) {
     } rows[] = {
         {"[]", "needs an object with layers, not array"},
         {"{}", "needs a member \"layers\""},
-        {R"({"layer": {}, "layers": {}})",
-         "/layer: no such member: these are fps, introSize, outroSize and layers"},
+        {R"({"layer": {}, "layers": {}})", "/layer: no such member: these are fps, introSize, "
+                                           "outroSize, layers, version and $schema"},
+        {R"({"version": 2, "keys": {}})", "is of version 2, which this library does not know"},
+        {R"({"$schema": 5, "layers": {}})", "/$schema: needs the name of a schema, not 5"},
         {R"({"layers": []})", "/layers: needs an object of layers, not array"},
         {R"({"layers": {}, "introSize": -1})", "/introSize: " + whole + "-1"},
         {R"({"layers": {}, "outroSize": 4294967296})", "/outroSize: " + whole + "4294967296"},

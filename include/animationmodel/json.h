@@ -29,7 +29,8 @@
 ///
 /// A key is its effect, its arguments and its frames. The effect is its name or, where it has none,
 /// its number; a number may also stand for a named one. `fps` may be left out, and is 25 then,
-/// whatever `Animation::defaultFps` is; the sizes may be left out, and are 0 then.
+/// whatever `Animation::defaultFps` is; the sizes may be left out, and are 0 then. A "$schema" is
+/// accepted and forgotten, and a "version" has to be 1, which none stands for.
 ///
 /// An animation is written and read exactly as it is, neither filled nor checked: layers may differ
 /// in length, and sizes and frame rate may be such that a copy would be refused. What is written is
@@ -194,6 +195,9 @@ Animation animation_of(const Json& file) {
     const Place whole;
     if (!file.is_object())
         refuse(whole, "an object with layers", file);
+    const auto version = file.find("version");
+    if (version != file.end() && *version != 1)
+        refuse(whole, "is of version " + shown(*version) + ", which this library does not know");
     if (!file.contains("layers"))
         refuse(whole, "needs a member \"layers\"");
     Animation result(25.0F);
@@ -207,8 +211,12 @@ Animation animation_of(const Json& file) {
             result.introSize = whole_of<std::uint32_t>(place, value, "a number of frames");
         else if (name == "outroSize")
             result.outroSize = whole_of<std::uint32_t>(place, value, "a number of frames");
-        else
-            refuse(place, "no such member: these are fps, introSize, outroSize and layers");
+        else if (name == "$schema" && !value.is_string())
+            refuse(place, "the name of a schema", value);
+        else if (name != "$schema" && name != "version")
+            refuse(place,
+                   "no such member: these are fps, introSize, outroSize, layers, version and "
+                   "$schema");
     }
     return result;
 }

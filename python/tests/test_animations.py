@@ -330,7 +330,8 @@ def test_refusals(call, error, text):
 
 
 @pytest.mark.parametrize("change", [
-    {}, {"fps": "nan"}, {"fps": True}, {"introSize": 4.0}, {"introSize": 2**32}, {"other": 1},
+    {}, {"version": 1}, {"version": 2}, {"version": "1"}, {"$schema": "a"}, {"$schema": 5},
+    {"fps": "nan"}, {"fps": True}, {"introSize": 4.0}, {"introSize": 2**32}, {"other": 1},
     {"layers": None}, {"layers": {"a": {}}},
     *({"layers": {"a": [["Wait", [], 1], key]}} for key in (
         ["Transition", [0, 3.4028235e38], 1], [0, ["inf", -0.0], 1], [7, [], 2**32 - 1], "Wait",
