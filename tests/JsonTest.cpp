@@ -156,6 +156,7 @@ TEST(JsonTest, RefusesTextsThatCannotBeRead) {
          "missing closing quote; last read: '\"xy€€€€€€€€€€€€€€€€€€€€€€€€€"},
         {R"({"layers": {}, "fps": 1, "fps": 2})", "/fps: is there twice"},
         {R"({"layers": {"a": [], "fps": [], "a": []}})", "/layers/a: is there twice"},
+        {R"([[], {"a": 1, "b": {"a": 2}, "a": 3}])", "/1/a: is there twice"},
         {deep + std::string(deep.size(), ']'), "needs an object with layers, not array"},
     };
     for (const auto& row : rows)

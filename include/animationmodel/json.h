@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <functional>
 #include <iterator>
 #include <limits>
+#include <memory>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -82,11 +84,15 @@ struct Place {
     std::size_t index = 0;
 };
 
-[[noreturn]] inline void refuse(const Place& place, std::string_view what) {
-    std::string text = place.pointer().to_string();
+[[noreturn]] inline void refuse(const nlohmann::json::json_pointer& place, std::string_view what) {
+    std::string text = place.to_string();
     if (!text.empty())
         text += ": ";
     throw std::invalid_argument(text.append(what));
+}
+
+[[noreturn]] inline void refuse(const Place& place, std::string_view what) {
+    refuse(place.pointer(), what);
 }
 
 /// A value as it is told to people, if it is short.
@@ -267,24 +273,46 @@ inline std::string begin_of(std::string_view text) {
 class Names {
 public:
     bool operator()(int depth, nlohmann::json::parse_event_t event, const nlohmann::json& value) {
-        const auto level = static_cast<std::size_t>(depth);
-        if (event == nlohmann::json::parse_event_t::object_start && level < std::size(members))
-            members[level].clear();
-        if (event != nlohmann::json::parse_event_t::key || level > std::size(members))
-            return true;
-        const auto& name = value.get_ref<const std::string&>();
-        const Place whole;
-        const Place place(whole, member);
-        if (!members[level - 1].insert(name).second)
-            refuse(level == 1 ? Place(whole, name) : Place(place, name), "is there twice");
-        if (level == 1)
-            member = name;
+        using Event = nlohmann::json::parse_event_t;
+        const bool begins = event == Event::object_start || event == Event::array_start;
+        if (event == Event::key) {
+            add(value.get_ref<const std::string&>());
+        } else {
+            around.resize(static_cast<std::size_t>(depth));
+            if (begins)
+                around.emplace_back();
+            else if (!around.empty())
+                ++around.back().index;
+        }
         return true;
     }
 
 private:
-    std::set<std::string> members[2]; ///< Of the whole, and of the object in it that is read.
-    std::string member;               ///< The one of the whole that is read.
+    /// An object or an array around what is parsed.
+    struct Level {
+        std::unique_ptr<std::set<std::string>> names; ///< None in an array.
+        const std::string* name = nullptr;            ///< Of the member that is parsed.
+        std::size_t index = 0;                        ///< Of the element.
+    };
+
+    void add(const std::string& name) {
+        Level& object = around.back();
+        if (object.names == nullptr)
+            object.names = std::make_unique<std::set<std::string>>();
+        const auto [place, isNew] = object.names->insert(name);
+        object.name = &*place;
+        if (!isNew)
+            refuse(pointer(), "is there twice");
+    }
+
+    nlohmann::json::json_pointer pointer() const {
+        nlohmann::json::json_pointer place;
+        for (const Level& level : around)
+            level.name != nullptr ? place /= * level.name : place /= level.index;
+        return place;
+    }
+
+    std::vector<Level> around;
 };
 
 } // namespace json_file
@@ -292,7 +320,8 @@ private:
 
 inline Animation animation_from_json(std::string_view text) {
     try {
-        return json_file::animation_of(nlohmann::json::parse(text, json_file::Names()));
+        json_file::Names names;
+        return json_file::animation_of(nlohmann::json::parse(text, std::ref(names)));
     } catch (const nlohmann::json::exception& error) {
         const std::string_view what = error.what(); // "[json.exception...] parse error at line ..."
         throw std::invalid_argument(json_file::begin_of(what.substr(what.find(']') + 2)));
