@@ -148,8 +148,15 @@ TEST(JsonTest, RefusesTextsThatCannotBeRead) {
     const struct {
         std::string text, expected;
     } rows[] = {
-        {"{\"layers\":\n {,", "parse error at line 2, column 3: syntax error while parsing object "
-                              "key - unexpected ','; expected string literal"},
+        {"{\"layers\":\n {,", "line 2, column 3: unexpected ','; expected string literal"},
+        {"{\n \"é\": “}", "line 2, column 7: invalid literal at \"“\" (\\u201c)"},
+        {"{\u00a0}", "line 1, column 2: invalid literal at \"\u00a0\" (\\u00a0)"},
+        {"[\"\n", "line 1, column 3: invalid string: control character U+000A (LF) must be escaped "
+                  "to \\u000A or \\n at \"\\n\""},
+        {"[\"\xff",
+         "line 1, column 3: invalid string: ill-formed UTF-8 byte at \"\ufffd\" (\\ufffd)"},
+        {"[\"; last read: '",
+         "line 1, column 17: invalid string: missing closing quote at the end"},
         {R"({"layers": {"a": [["Hold", [1e999], 1]]}})", "number overflow parsing '1e999'"},
         {"\"xy€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€", // cut at 200 bytes, between two characters
          "parse error at line 1, column 94: syntax error while parsing value - invalid string: "

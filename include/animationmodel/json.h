@@ -259,13 +259,56 @@ inline std::string text_of_name(const Place& place, const std::string& name) {
     }
 }
 
-/// As much of a text as people read, cut between two characters.
+/// Whether a byte of UTF-8 is the first of a character.
+inline bool begins_character(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xc0) != 0x80;
+}
+
+/// The first 200 bytes, not cut inside a character.
 inline std::string begin_of(std::string_view text) {
     std::size_t size = std::min<std::size_t>(text.size(), 200);
-    while (size < text.size() && size > 0 &&
-           (static_cast<unsigned char>(text[size]) & 0xc0) == 0x80)
+    while (size < text.size() && size > 0 && !begins_character(text[size]))
         --size;
     return std::string(text.substr(0, size));
+}
+
+/// The line and the column of a byte, both from 1 on.
+inline std::string position_of(std::string_view text, std::size_t byte) {
+    const std::string_view before = text.substr(0, byte);
+    const std::string_view line = before.substr(before.rfind('\n') + 1);
+    const auto lines = std::count(before.begin(), before.end(), '\n');
+    const auto characters = std::count_if(line.begin(), line.end(), begins_character);
+    return "line " + std::to_string(lines + 1) + ", column " + std::to_string(characters + 1);
+}
+
+/// The character that begins with a byte, in quotes; where it is not of ASCII or cannot be seen,
+/// also as \u and its number.
+inline std::string character_at(std::string_view text, std::size_t byte) {
+    using nlohmann::json;
+    if (byte >= text.size())
+        return "the end";
+    std::size_t end = byte + 1;
+    while (end < text.size() && end < byte + 4 && !begins_character(text[end]))
+        ++end;
+    const json character = text.substr(byte, end - byte);
+    const auto replace = json::error_handler_t::replace;
+    const std::string shown = character.dump(-1, ' ', false, replace);
+    const std::string number = character.dump(-1, ' ', true, replace);
+    return shown == number ? shown : shown + " (" + number.substr(1, number.size() - 2) + ")";
+}
+
+/// Where a text is no JSON, and why.
+inline std::string fault_of(std::string_view text, const nlohmann::json::parse_error& error) {
+    // "[json...] parse error at line ...: syntax error while parsing ... - " and why: "unexpected
+    // ...", or what is wrong with a character, "; last read: '...'", which may end inside one.
+    const std::string_view what = error.what();
+    const std::string_view reason = what.substr(what.find(" - ") + 3);
+    const std::size_t byte = error.byte - 1;
+    const std::size_t read = reason.find("; last read: ");
+    std::string fault = position_of(text, byte) + ": ";
+    if (read == std::string_view::npos)
+        return fault.append(reason);
+    return fault.append(reason.substr(0, read)) + " at " + character_at(text, byte);
 }
 
 /// Refuses an object with two members of the same name, while it is parsed: afterwards only the
@@ -322,6 +365,8 @@ inline Animation animation_from_json(std::string_view text) {
     try {
         json_file::Names names;
         return json_file::animation_of(nlohmann::json::parse(text, std::ref(names)));
+    } catch (const nlohmann::json::parse_error& error) {
+        throw std::invalid_argument(json_file::fault_of(text, error));
     } catch (const nlohmann::json::exception& error) {
         const std::string_view what = error.what(); // "[json.exception...] parse error at line ..."
         throw std::invalid_argument(json_file::begin_of(what.substr(what.find(']') + 2)));
