@@ -157,6 +157,7 @@ TEST(JsonTest, RefusesTextsThatCannotBeRead) {
          "line 1, column 3: invalid string: ill-formed UTF-8 byte at \"\ufffd\" (\\ufffd)"},
         {"[\"; last read: '",
          "line 1, column 17: invalid string: missing closing quote at the end"},
+        {R"({"layers": {}})" + std::string(1, '\0'), R"(line 1, column 15: unexpected "\u0000")"},
         {R"({"layers": {"a": [["Hold", [1e999], 1]]}})", "number overflow parsing '1e999'"},
         {"\"xy€€€€€€€€€€€€€€€€€€€€€€€€€€€€€€", // cut at 200 bytes, between two characters
          "parse error at line 1, column 94: syntax error while parsing value - invalid string: "

@@ -362,6 +362,10 @@ private:
 /// \endcond
 
 inline Animation animation_from_json(std::string_view text) {
+    const std::size_t nul = text.find('\0'); // where the parser would take the text to end
+    if (nul != std::string_view::npos)
+        throw std::invalid_argument(json_file::position_of(text, nul) + ": unexpected " +
+                                    json_file::character_at(text, nul));
     try {
         json_file::Names names;
         return json_file::animation_of(nlohmann::json::parse(text, std::ref(names)));
