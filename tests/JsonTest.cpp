@@ -92,6 +92,7 @@ TEST(JsonTest, ReadsBackTheSameBits) {
 
 TEST(JsonTest, RefusesWhatIsNoAnimation) {
     const std::string whole = "needs a number of frames from 0 to 4294967295, not ";
+    const std::string duration = "needs a number of frames from 1 to 4294967295, not ";
     const std::string number =
         R"(needs a number within the floats' range, "nan", "inf" or "-inf", )";
     const std::string effect = "needs Transition, Hold, NoValue, Wait or a number from "
@@ -126,11 +127,11 @@ TEST(JsonTest, RefusesWhatIsNoAnimation) {
          "/layers/a/0/1/1: " + number + "not 1e+39"},
         {R"({"layers": {"a": [["Hold", ["NaN"], 1]]}})",
          "/layers/a/0/1/0: " + number + "not \"NaN\""},
-        {R"({"layers": {"a": [["Hold", [1], [2]]]}})", "/layers/a/0/2: " + whole + "array"},
-        {R"({"layers": {"a": [["Wait", [], 0]]}})",
-         "/layers/a/0: Duration of AnimationKeyCommand must be > 0"},
+        {R"({"layers": {"a": [["Hold", [1], [2]]]}})", "/layers/a/0/2: " + duration + "array"},
+        {R"({"layers": {"a": [["Wait", [], 0]]}})", "/layers/a/0/2: " + duration + "0"},
         {R"({"layers": {"a": [["Wait", [1], 1]]}})",
-         "/layers/a/0: Could not set attributes of AnimationKeyCommand: the number of arguments "
+         "/layers/a/0/1: Wait: Could not set attributes of AnimationKeyCommand: the number of "
+         "arguments "
          "does not correspond to the command (1 arguments given but 0 expected for command 3)"},
     };
     for (const auto& row : rows) {
@@ -175,7 +176,7 @@ TEST(JsonTest, RefusesToWriteWhatCouldNotBeRead) {
     Animation show = animation("a: H1:1 H1:1");
     show.layers["a"][1].duration = 0;
     EXPECT_EQ(refusal([&] { json file = show; }),
-              "/layers/a/1: Duration of AnimationKeyCommand must be > 0");
+              "/layers/a/1/2: needs a number of frames from 1 to 4294967295, not 0");
     show.layers = {{"\xff", {}}};
     EXPECT_EQ(refusal([&] { json file = show; }), R"(/layers: needs names in UTF-8, not "\ufffd")");
 }

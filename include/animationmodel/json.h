@@ -109,13 +109,19 @@ template <class Json>
     refuse(place, std::string("needs ").append(needs).append(", not ").append(shown(value)));
 }
 
-/// The key of these parts, which its constructors may refuse.
-inline AnimationKey key_of(const Place& place, AnimationKeyCommandEffect effect,
-                           const std::vector<float>& args, unsigned int duration) {
+inline std::string name_of(AnimationKeyCommandEffect effect) {
+    const auto index = static_cast<std::uint32_t>(effect);
+    return index < std::size(effects) ? std::string(effects[index])
+                                      : "effect " + std::to_string(std::int32_t{effect});
+}
+
+/// The command of these parts, which its constructor may refuse.
+inline AnimationKeyCommand command_of(const Place& key, AnimationKeyCommandEffect effect,
+                                      const std::vector<float>& args) {
     try {
-        return {AnimationKeyCommand(effect, args), duration};
+        return {effect, args};
     } catch (const std::invalid_argument& error) {
-        refuse(place, error.what());
+        refuse({key, 1}, name_of(effect) + ": " + error.what());
     }
 }
 
@@ -142,17 +148,23 @@ float float_of(const Place& place, const Json& value) {
     refuse(place, R"(a number within the floats' range, "nan", "inf" or "-inf")", value);
 }
 
-/// A whole number within the range of `Whole`, which has up to 32 bits.
+/// A whole number from `least` on within the range of `Whole`, which has up to 32 bits.
 template <class Whole, class Json>
-Whole whole_of(const Place& place, const Json& value, std::string_view needs) {
-    using Limits = std::numeric_limits<Whole>;
+Whole whole_of(const Place& place, const Json& value, std::string_view needs,
+               Whole least = std::numeric_limits<Whole>::min()) {
+    constexpr Whole most = std::numeric_limits<Whole>::max();
     const double number = value.is_number() ? value.template get<double>() : 0.5;
-    if (number < Limits::min() || number > Limits::max() || std::floor(number) != number)
+    if (number < least || number > most || std::floor(number) != number)
         refuse(place,
-               std::string(needs) + " from " + std::to_string(Limits::min()) + " to " +
-                   std::to_string(Limits::max()),
+               std::string(needs) + " from " + std::to_string(least) + " to " +
+                   std::to_string(most),
                value);
     return static_cast<Whole>(number);
+}
+
+template <class Json>
+std::uint32_t frames_of(const Place& place, const Json& value, std::uint32_t least = 0) {
+    return whole_of<std::uint32_t>(place, value, "a number of frames", least);
 }
 
 template <class Json>
@@ -175,8 +187,8 @@ AnimationKey key_of(const Place& place, const Json& key) {
     std::vector<float> args;
     for (const Json& value : key[1])
         args.push_back(float_of({argsPlace, args.size()}, value));
-    const auto frames = whole_of<std::uint32_t>({place, 2}, key[2], "a number of frames");
-    return key_of(place, effect, args, frames);
+    const AnimationKeyCommand command = command_of(place, effect, args);
+    return {command, frames_of({place, 2}, key[2], 1)};
 }
 
 template <class Json>
@@ -214,9 +226,9 @@ Animation animation_of(const Json& file) {
         else if (name == "fps")
             result.fps = float_of(place, value);
         else if (name == "introSize")
-            result.introSize = whole_of<std::uint32_t>(place, value, "a number of frames");
+            result.introSize = frames_of(place, value);
         else if (name == "outroSize")
-            result.outroSize = whole_of<std::uint32_t>(place, value, "a number of frames");
+            result.outroSize = frames_of(place, value);
         else if (name == "$schema" && !value.is_string())
             refuse(place, "the name of a schema", value);
         else if (name != "$schema" && name != "version")
@@ -393,7 +405,9 @@ inline std::string animation_to_json(const Animation& animation) {
         std::size_t index = 0;
         for (const AnimationKey& key : keys) {
             const auto& [effect, args] = key.command;
-            key_of({layerPlace, index}, effect, args, key.duration);
+            const Place place(layerPlace, index);
+            command_of(place, effect, args);
+            frames_of({place, 2}, nlohmann::json(key.duration), 1);
             text += index++ == 0 ? "\n      " : ",\n      ";
             append_key(text, key);
         }
