@@ -336,7 +336,8 @@ def test_refusals(call, error, text):
     *({"layers": {"a": [["Wait", [], 1], key]}} for key in (
         ["Transition", [0, 3.4028235e38], 1], [0, ["inf", -0.0], 1], [7, [], 2**32 - 1], "Wait",
         ["Hold", [1, 2], 1], ["hold", [1], 1], [False, [0, 1], 1], ["Wait", [], 1.5], [1, [1], 1],
-        ["Hold", [1e39], 1], ["Wait", [0], 1], ["Wait", [], 0], ["Wait", []], [2**31, [], 1])),
+        ["Hold", [3.4028235677973362e38], 1], ["Hold", [-3.4028235677973366e38], 1],
+        ["Wait", [0], 1], ["Wait", [], 0], ["Wait", []], [2**31, [], 1])),
 ])
 def test_the_schema_allows_what_is_read(change):
     schema = json.loads((ROOT / "docs/animation.schema.json").read_text())
