@@ -19,6 +19,10 @@
 #include <utility>
 #include <vector>
 
+#ifdef __FAST_MATH__ // which takes every float for a number
+#error "build without -ffast-math"
+#endif
+
 /// \file
 /// Animations as JSON, by nlohmann's library, which a program that includes this header has to
 /// have:
