@@ -62,6 +62,19 @@ TEST(JsonTest, ReadsIntoAnAnimationOrLeavesIt) {
     EXPECT_EQ(show, animation("a: H1:1 | 1 0"));
 }
 
+struct Titled : Animation {
+    std::string title;
+};
+void to_json(json& file, const Titled& titled) {
+    file = titled.title;
+}
+
+TEST(JsonTest, LeavesClassesThatDeriveTheirOwnText) {
+    Titled titled;
+    titled.title = "own";
+    EXPECT_EQ(json(titled), "own");
+}
+
 /// As edits may leave them, with any floats.
 TEST(JsonTest, ReadsBackTheSameBits) {
     std::mt19937 generator;

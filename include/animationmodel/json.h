@@ -420,15 +420,28 @@ inline std::string animation_to_json(const Animation& animation) {
     return text + (animation.layers.empty() ? "}\n}\n" : "\n  }\n}\n");
 }
 
+/// \cond
+// A class that derives from Animation, as Rotation does, is written and read as one by these,
+// unless it has its own.
+template <class Json, class = typename Json::json_pointer>
+void to_json(Json& file, const Animation& animation) {
+    file = Json::parse(animation_to_json(animation));
+}
+template <class Json, class = typename Json::json_pointer>
+void from_json(const Json& file, Animation& animation) {
+    animation = json_file::animation_of(file);
+}
+/// \endcond
+
 } // namespace Kiv
 
 /// \cond
-/// Writes animations, a `Rotation` as the animation that it is; reads animations.
-template <class Type>
-struct nlohmann::adl_serializer<Type, std::enable_if_t<std::is_base_of_v<Kiv::Animation, Type>>> {
+/// Reads an animation that needs no default frame rate to be made first.
+template <>
+struct nlohmann::adl_serializer<Kiv::Animation> {
     template <class Json>
     static void to_json(Json& file, const Kiv::Animation& animation) {
-        file = Json::parse(Kiv::animation_to_json(animation));
+        Kiv::to_json(file, animation);
     }
     template <class Json>
     static Kiv::Animation from_json(const Json& file) {
@@ -436,7 +449,7 @@ struct nlohmann::adl_serializer<Type, std::enable_if_t<std::is_base_of_v<Kiv::An
     }
     template <class Json>
     static void from_json(const Json& file, Kiv::Animation& animation) {
-        animation = Kiv::json_file::animation_of(file);
+        Kiv::from_json(file, animation);
     }
 };
 /// \endcond
