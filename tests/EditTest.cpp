@@ -6,17 +6,8 @@ using namespace Kiv;
 
 namespace {
 
-/// The line of a row, the call in it as text, and the call itself, to be made on an animation `it`:
-/// an edit, and one that gives an animation or several.
+/// The line of a row, the call in it as text, and the call itself, to be made on an animation `it`.
 #define EDIT(...) __LINE__, #__VA_ARGS__, [](Animation& it) { __VA_ARGS__; }
-#define GIVES(...) __LINE__, #__VA_ARGS__, [](const Animation& it) { return all(__VA_ARGS__); }
-
-std::vector<Animation> all(std::vector<Animation> several) {
-    return several;
-}
-std::vector<Animation> all(const Animation& one) {
-    return {one};
-}
 
 TEST(EditTest, ExamplesOfEveryEdit) {
     const struct {
@@ -85,35 +76,6 @@ TEST(EditTest, ExamplesOfEveryEdit) {
         EXPECT_EQ(it, animation(row.after))
             << "line " << row.line << ": " << row.call << " of " << row.before;
     }
-}
-
-TEST(EditTest, ExamplesOfNewAnimations) {
-    const struct {
-        const char* source;
-        int line;
-        const char* call;
-        std::vector<Animation> (*make)(const Animation&);
-        const char* pieces;
-    } rows[] = {
-        {"a: H1:2 H2:3 H3:1 | 2 1", GIVES(it.loop(2, false, false)),
-         "a: H1:2 H2:3 H2:3 H3:1 | 2 1"},
-        {"a: H1:2 H2:3 H3:1 | 2 1", GIVES(it.loop(2, true, true)),
-         "a: H1:2 H2:3 H3:1 H1:2 H2:3 H3:1 | 2 1"},
-        {"a: H1:2 H2:3 H3:1 | 2 1", GIVES(it.loop(0, true, true)), "a: H1:2 H3:1 | 2 1"},
-        {"a: H4:6 | 2 1", GIVES(it.loop(2, false, false)), "a: H4:2 H4:3 H4:4 | 2 1"},
-
-        {"a: H1:4 T0,6:6 | 5 3", GIVES(it.splitAt(6, true, true)),
-         "a: H1:4 T0,2:2 | 5 0 / a: T2,6:4"},
-        {"a: H1:4 H2:6 | 0 3", GIVES(it.splitAt({3, 9}, true, true)),
-         "a: H1:3 / a: H1:1 H2:5 | 0 2 / a: H2:1"},
-        {"a: H1:4 H2:6 | 0 3", GIVES(it.splitAt({3, 9}, false, false)),
-         "a: H1:3 / a: H1:1 H2:5 / a: H2:1"},
-        {"a: H1:4 H2:6 | 0 3", GIVES(it.splitEach(4, true, true)),
-         "a:  / a: H1:4 / a: H2:4 | 0 1 / a: H2:2"},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(row.make(animation(row.source)), animations(row.pieces))
-            << "line " << row.line << ": " << row.call << " of " << row.source;
 }
 
 TEST(EditTest, IntroBodyAndOutroAreAppendedToMaps) {

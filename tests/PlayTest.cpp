@@ -5,7 +5,6 @@
 #include <animationmodel/play.h>
 #include <animationmodel/retime.h>
 
-#include <cfloat>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -101,34 +100,6 @@ TEST(PlayTest, LayersThatHaveBecomeShorterEnd) {
     EXPECT_EQ(player[0].value(), std::nullopt);
 }
 
-/// A playhead that is told to finish after so many frames plays a loop; values are frame numbers.
-TEST(PlayTest, PlayheadsPlayLoops) {
-    for (const unsigned int intro : {0U, 2U})
-        for (const unsigned int body : {0U, 1U, 3U})
-            for (const unsigned int outro : {0U, 1U})
-                for (unsigned int told = 0; told < 9; ++told) {
-                    Animation it;
-                    it.introSize = intro;
-                    it.outroSize = outro;
-                    for (unsigned int frame = 0; frame < intro + body + outro; ++frame)
-                        it.pushBackInLayer("a", Hold, {static_cast<float>(frame)}, 1);
-                    std::vector<float> played;
-                    Playhead head(it);
-                    for (unsigned int time = 0; !head.ended(); head.next()) {
-                        if (time++ == told)
-                            head.finish();
-                        played.push_back(static_cast<float>(head.frame()));
-                    }
-                    const bool inBody = body > 0 && told >= intro;
-                    const Animation loop =
-                        it.loop(inBody ? (told - intro) / body + 1 : 1, false, false);
-                    EXPECT_EQ(played, sample(loop.layers, 0, loop.durationInFrames()))
-                        << intro << ' ' << body << ' ' << outro << ", told after " << told;
-                    head.next();
-                    EXPECT_TRUE(head.ended());
-                }
-}
-
 TEST(PlayTest, MemoryIsNeitherTakenNorFreedWhilePlaying) {
     auto scene = std::make_unique<Scene>(animation("a: T0,9:9; b: H1:4 W:5 | 2 1"));
     Handover handover;
@@ -157,54 +128,6 @@ TEST(PlayTest, PlayheadsRefuseWhatCopiesRefuse) {
     }
 }
 
-/// The frames on which keys, the intro and the outro begin and end, each moved by plain division.
-TEST(RetimeTest, MovesBoundariesToTheNearestFrames) {
-    const struct {
-        float from, to;
-        std::uint64_t numerator, denominator;
-    } rows[] = {
-        {25, 50, 2, 1},
-        {50, 25, 1, 2},
-        {30, 24, 4, 5},
-        {24, 1000, 125, 3},
-        {1000, 24, 3, 125},
-        {0.5F, 7, 14, 1},
-        {0x1p-149F, 0x1p-140F, 512, 1},
-        {FLT_MAX, 1, 0, 1},
-        {3, 16777215, 5592405, 1},
-    };
-    std::mt19937 random;
-    for (const auto& row : rows) {
-        Animation show = any_animation(random);
-        show.introSize = static_cast<unsigned int>(random() % 30);
-        show.outroSize = static_cast<unsigned int>(random() % 30);
-        show.fps = row.from;
-        const auto moved = [&row](std::uint64_t frame) {
-            return (2 * frame * row.numerator + row.denominator) / (2 * row.denominator);
-        };
-        Animation expected;
-        expected.fps = row.to;
-        expected.introSize = static_cast<unsigned int>(moved(show.introSize));
-        const unsigned int duration = show.durationInFrames();
-        expected.outroSize = static_cast<unsigned int>(
-            duration < show.outroSize ? moved(show.outroSize)
-                                      : moved(duration) - moved(duration - show.outroSize));
-        for (const auto& [name, keys] : show.layers) {
-            std::uint64_t begin = 0;
-            KeyVector& layer = expected.layers[name];
-            for (AnimationKey key : keys) {
-                const std::uint64_t end = begin + key.duration;
-                key.duration = static_cast<unsigned int>(moved(end) - moved(begin));
-                if (key.duration > 0)
-                    layer.push_back(key);
-                begin = end;
-            }
-        }
-        change_frame_rate(show, row.to);
-        EXPECT_EQ(show, expected) << row.from << " to " << row.to;
-    }
-}
-
 template <class Length>
 concept StretchesTo = requires(Animation& it, Length length) {
     stretch_to(it, length);
@@ -221,49 +144,6 @@ TEST(RetimeTest, KeepsTheFrameRateWhereItStretches) {
     it = animation("a: H1:2147483647 | 4294967295 0");
     stretch_to(it, 1073741824);
     EXPECT_EQ(it, animation("a: H1:1073741824 | 2147483649 0"));
-}
-
-TEST(RetimeTest, RefusesAndChangesNothing) {
-    const std::string below = ") should be above 0 and finite to change them";
-    const std::string before = "Animation lasts 2147483648 frames or more";
-    const std::string after = "Animation would last 2147483648 frames or more";
-    const struct {
-        const char* text;
-        float own, fps;
-        std::string refused;
-    } rates[] = {
-        {"a: H1:4", 25, 0, "Frame rates (25 and 0" + below},
-        {"a: H1:4", 25, -1, "Frame rates (25 and -1" + below},
-        {"a: H1:4", 25, INFINITY, "Frame rates (25 and inf" + below},
-        {"a: H1:4", 25, none, "Frame rates (25 and nan" + below},
-        {"a: H1:4", 0, 25, "Frame rates (0 and 25" + below},
-        {"a: H1:4; b: H1:1073741824", 25, 50, after},
-        {"a: H1:4", FLT_TRUE_MIN, FLT_MAX, after},
-        {"a: H1:2147483647 H2:2147483647 H3:7", 50, 25, before},
-    };
-    for (const auto& row : rates) {
-        Animation it = animation(row.text);
-        it.fps = row.own;
-        EXPECT_EQ(refusal([&] { change_frame_rate(it, row.fps); }), row.refused);
-        EXPECT_EQ(it.fps, row.own);
-        EXPECT_EQ(it.layers, animation(row.text).layers);
-    }
-    const struct {
-        const char* text;
-        unsigned int frames;
-        std::string refused;
-    } lengths[] = {
-        {"a: H1:4", 0, "An animation of 4 frames cannot last 0"},
-        {"a: ", 3, "An animation of 0 frames cannot last 3"},
-        {"a: H1:4", 2147483648, after},
-        {"a: H1:2147483648 H1:2147483648", 0, "An animation of 4294967296 frames cannot last 0"},
-        {"a: H1:2147483648 H1:2147483648", 9, before},
-    };
-    for (const auto& row : lengths) {
-        Animation it = animation(row.text);
-        EXPECT_EQ(refusal([&] { stretch_to(it, row.frames); }), row.refused);
-        EXPECT_EQ(it, animation(row.text));
-    }
 }
 
 } // namespace
