@@ -48,20 +48,6 @@ inline Animation animation(const std::string& text) {
     return result;
 }
 
-/// Several animations, with " / " between them.
-inline std::vector<Animation> animations(const std::string& text) {
-    const std::string between = " / ";
-    std::vector<Animation> result;
-    std::size_t begin = 0;
-    for (;;) {
-        const std::size_t end = text.find(between, begin);
-        result.push_back(animation(text.substr(begin, end - begin)));
-        if (end == std::string::npos)
-            return result;
-        begin = end + between.size();
-    }
-}
-
 /// Takes results at which a test does not look.
 template <class... Results>
 void drop(const Results&... /*results*/) {}
