@@ -21,8 +21,8 @@ inline bool moves(const AnimationKey& key) {
 inline AnimationKey take_head(AnimationKey& key, unsigned int frame) {
     AnimationKey head = key;
     if (moves(key)) {
-        const float middle = transition_value(key.command.args[0], key.command.args[1], frame,
-                                              key.duration);
+        const float middle =
+            transition_value(key.command.args[0], key.command.args[1], frame, key.duration);
         head.command.args[1] = middle;
         key.command.args[0] = middle;
     }
