@@ -222,11 +222,15 @@ Animation same(const Animation& animation) {
     return copy;
 }
 
+/// Samples a copy, while other threads of Python go on and may edit the animation.
 py::array_t<float> sampled(const Animation& animation, unsigned int start, unsigned int count) {
-    const std::size_t layers = animation.layers.size();
-    py::array_t<float> values({std::size_t{count}, layers});
-    if (layers > 0)
-        sample(animation.layers, start, count, values.mutable_data());
+    const LayerMap layers = animation.layers;
+    py::array_t<float> values({std::size_t{count}, layers.size()});
+    float* const place = values.mutable_data();
+    {
+        const py::gil_scoped_release released;
+        sample(layers, start, count, place);
+    }
     return values;
 }
 

@@ -1,5 +1,6 @@
 import math
 import random
+import threading
 from fractions import Fraction
 
 import numpy
@@ -62,6 +63,31 @@ def test_stretching_keeps_the_frame_rate(frames):
         expected.fps = 10
         show.stretch_to(frames)
         assert show == expected
+
+
+def test_layers_may_be_edited_while_they_are_sampled():
+    flash = Key(Hold, [2], 5)
+    show = Animation({"a": [Key(Transition, [0, 1], 50)] * 2000})
+    before = show.sample()
+    stop = threading.Event()
+
+    def edit():
+        while not stop.is_set():
+            show.layers["a"] = [flash] + show.layer("a")
+            show.remove_in_layer("a", 0, 5)
+            show.layers["b"] = [flash]
+            del show.layers["b"]
+
+    editor = threading.Thread(target=edit)
+    editor.start()
+    try:
+        for _ in range(20):
+            values = show.sample(0, len(before))[:, 0]
+            shifted = numpy.concatenate([numpy.full(5, 2, numpy.float32), before[:-5, 0]])
+            assert any(numpy.array_equal(values, whole) for whole in (before[:, 0], shifted))
+    finally:
+        stop.set()
+        editor.join()
 
 
 def held(*durations, fps=25):
