@@ -50,6 +50,7 @@ public:
     Track(const std::string& name, KeyVector&& keys) = delete;
     Track(std::string&& name, KeyVector&& keys) = delete;
 
+    /// The name of the layer.
     [[nodiscard]] const std::string& name() const { return *layerName; }
 
     /// Goes to `frame`. Costs the keys between; backwards, those from the start on.
@@ -134,6 +135,7 @@ private:
 /// it; make it anew after every edit of them.
 class Player {
 public:
+    /// On frame 0 of `layers`.
     explicit Player(const LayerMap& layers) {
         tracks.reserve(layers.size());
         for (const auto& [name, keys] : layers)
@@ -148,6 +150,8 @@ public:
             track.seek(frame);
     }
 
+    /// @{
+    /// The tracks.
     [[nodiscard]] std::size_t size() const { return tracks.size(); }
     [[nodiscard]] auto begin() { return tracks.begin(); }
     [[nodiscard]] auto begin() const { return tracks.begin(); }
@@ -155,6 +159,7 @@ public:
     [[nodiscard]] auto end() const { return tracks.end(); }
     [[nodiscard]] Track& operator[](std::size_t index) { return tracks[index]; }
     [[nodiscard]] const Track& operator[](std::size_t index) const { return tracks[index]; }
+    /// @}
 
 private:
     std::vector<Track> tracks;
