@@ -56,7 +56,8 @@ TEST(PlayTest, ValuesAreThoseThatCutsBeginWith) {
                 expected.push_back(has ? keys[0].command.args[0] : none);
                 const auto value = track.value();
                 EXPECT_EQ(value.has_value(), has) << "frame " << frame;
-                EXPECT_EQ(std::memcmp(&*value, &expected.back(), has ? sizeof(float) : 0), 0);
+                const float played = value.value_or(none);
+                EXPECT_EQ(std::memcmp(&played, &expected.back(), sizeof played), 0);
                 const unsigned int change = std::min(start + count, track.nextChange());
                 track.seek(std::max(frame, change - 1));
                 EXPECT_EQ(track.value(), value) << "frame " << frame << " changes unannounced";
