@@ -106,8 +106,9 @@ TEST(JsonTest, ReadsBackTheSameBits) {
 TEST(JsonTest, RefusesToWriteWhatCouldNotBeRead) {
     Animation show = animation("a: H1:1 H1:1");
     show.layers["a"][1].duration = 0;
-    EXPECT_EQ(refusal([&] { json file = show; }),
-              "/layers/a/1/2: needs a number of frames from 1 to 4294967295, not 0");
+    const std::string said = "/layers/a/1/2: needs a number of frames from 1 to 4294967295, not 0";
+    EXPECT_EQ(refusal([&] { json file = show; }), said);
+    EXPECT_EQ(refusal([&] { return animation_to_json(show); }), said);
     show.layers = {{"\xff", {}}};
     EXPECT_EQ(refusal([&] { json file = show; }), R"(/layers: needs names in UTF-8, not "\ufffd")");
 }

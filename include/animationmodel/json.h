@@ -113,10 +113,10 @@ template <class Json>
     refuse(place, std::string("needs ").append(needs).append(", not ").append(shown(value)));
 }
 
-inline std::string name_of(AnimationKeyCommandEffect effect) {
+/// Empty if the effect has no name.
+inline std::string_view name_of(AnimationKeyCommandEffect effect) {
     const auto index = static_cast<std::uint32_t>(effect);
-    return index < std::size(effects) ? std::string(effects[index])
-                                      : "effect " + std::to_string(std::int32_t{effect});
+    return index < std::size(effects) ? effects[index] : std::string_view();
 }
 
 /// The command of these parts, which its constructor may refuse.
@@ -125,7 +125,10 @@ inline AnimationKeyCommand command_of(const Place& key, AnimationKeyCommandEffec
     try {
         return {effect, args};
     } catch (const std::invalid_argument& error) {
-        refuse({key, 1}, name_of(effect) + ": " + error.what());
+        const std::string_view name = name_of(effect);
+        const std::string shown =
+            name.empty() ? "effect " + std::to_string(std::int32_t{effect}) : std::string(name);
+        refuse({key, 1}, shown + ": " + error.what());
     }
 }
 
@@ -254,24 +257,52 @@ inline std::string text_of(float value) {
 
 /// Appends the text of one key.
 inline void append_key(std::string& text, const AnimationKey& key) {
-    const auto index = static_cast<std::uint32_t>(key.command.effect);
-    if (index < std::size(effects))
-        text.append("[\"").append(effects[index]).append("\", [");
-    else
+    const std::string_view effect = name_of(key.command.effect);
+    if (effect.empty())
         text.append("[").append(std::to_string(std::int32_t{key.command.effect})).append(", [");
+    else
+        text.append("[\"").append(effect).append("\", [");
     const char* before = "";
     for (const float value : key.command.args)
         text.append(std::exchange(before, ", ")).append(text_of(value));
     text.append("], ").append(std::to_string(key.duration)).append("]");
 }
 
-inline std::string text_of_name(const Place& place, const std::string& name) {
+/// The number that the text of a float stands for, or that text: it has few digits.
+template <class Json>
+Json value_of(float value) {
+    return Json::parse(text_of(value));
+}
+
+template <class Json>
+Json value_of(const AnimationKey& key) {
+    const std::string_view name = name_of(key.command.effect);
+    Json effect = std::int32_t{key.command.effect};
+    if (!name.empty())
+        effect = name;
+    Json args = Json::array();
+    for (const float value : key.command.args)
+        args.push_back(value_of<Json>(value));
+    return Json::array({std::move(effect), std::move(args), key.duration});
+}
+
+/// Refuses what could not be read.
+inline void check(const LayerMap& layers) {
     using nlohmann::json;
-    try {
-        return json(name).dump();
-    } catch (const json::type_error&) {
-        const std::string similar = json(name).dump(-1, ' ', true, json::error_handler_t::replace);
-        refuse(place, "needs names in UTF-8, not " + similar);
+    const Place whole;
+    const std::string member = "layers";
+    const Place layersPlace(whole, member);
+    for (const auto& [name, keys] : layers) {
+        const std::string shown = json(name).dump(-1, ' ', true, json::error_handler_t::replace);
+        if (json::parse(shown) != name)
+            refuse(layersPlace, "needs names in UTF-8, not " + shown);
+        const Place layerPlace(layersPlace, name);
+        std::size_t index = 0;
+        for (const AnimationKey& key : keys) {
+            const Place place(layerPlace, index++);
+            command_of(place, key.command.effect, key.command.args);
+            frames_of({place, 2}, json(key.duration), 1);
+        }
     }
 }
 
@@ -395,24 +426,17 @@ inline Animation animation_from_json(std::string_view text) {
 
 inline std::string animation_to_json(const Animation& animation) {
     using namespace json_file;
-    const Place whole;
-    const std::string member = "layers";
-    const Place layersPlace(whole, member);
+    check(animation.layers);
     std::string text = "{\n  \"fps\": " + text_of(animation.fps) +
                        ",\n  \"introSize\": " + std::to_string(animation.introSize) +
                        ",\n  \"outroSize\": " + std::to_string(animation.outroSize) +
                        ",\n  \"layers\": {";
     const char* beforeLayer = "\n    ";
     for (const auto& [name, keys] : animation.layers) {
-        text += std::exchange(beforeLayer, ",\n    ") + text_of_name(layersPlace, name) + ": [";
-        const Place layerPlace(layersPlace, name);
-        std::size_t index = 0;
+        text += std::exchange(beforeLayer, ",\n    ") + nlohmann::json(name).dump() + ": [";
+        const char* beforeKey = "\n      ";
         for (const AnimationKey& key : keys) {
-            const auto& [effect, args] = key.command;
-            const Place place(layerPlace, index);
-            command_of(place, effect, args);
-            frames_of({place, 2}, nlohmann::json(key.duration), 1);
-            text += index++ == 0 ? "\n      " : ",\n      ";
+            text += std::exchange(beforeKey, ",\n      ");
             append_key(text, key);
         }
         text += keys.empty() ? "]" : "\n    ]";
@@ -425,7 +449,18 @@ inline std::string animation_to_json(const Animation& animation) {
 // unless it has its own.
 template <class Json, class = typename Json::json_pointer>
 void to_json(Json& file, const Animation& animation) {
-    file = Json::parse(animation_to_json(animation));
+    using namespace json_file;
+    check(animation.layers);
+    file = Json::object();
+    file["fps"] = value_of<Json>(animation.fps);
+    file["introSize"] = animation.introSize;
+    file["outroSize"] = animation.outroSize;
+    Json& layers = file["layers"] = Json::object();
+    for (const auto& [name, keys] : animation.layers) {
+        Json& layer = layers[name] = Json::array();
+        for (const AnimationKey& key : keys)
+            layer.push_back(value_of<Json>(key));
+    }
 }
 template <class Json, class = typename Json::json_pointer>
 void from_json(const Json& file, Animation& animation) {
