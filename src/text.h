@@ -14,7 +14,7 @@ inline std::string with_point(std::string_view written) {
     std::string text(written);
     const auto mark = text.find_first_not_of("0123456789abcdefghijklmnopqrstuvwxyz+-");
     if (mark != std::string::npos)
-        text.replace(mark, text.find_first_of("0123456789", mark) - mark, ".");
+        text.replace(mark, text.find_first_of("0123456789", mark) - mark, 1, '.');
     return text;
 }
 
