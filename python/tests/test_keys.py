@@ -116,6 +116,7 @@ def test_keys_are_cut():
      "effect has to be Transition, Hold, NoValue, Wait or an int, not 'Hodl'"),
     (lambda: Key(2**31, [], 5), ValueError,
      "effect has to be -2147483648 to 2147483647, not 2147483648"),
+    (lambda: Key(2**70, [], 5), ValueError, "effect has to be -2147483648 to 2147483647"),
     (lambda: Key(None, [], 5), TypeError, "effect needs an Effect, its name or an int, not None"),
     (lambda: Key(Hold, 1, 5), TypeError, "args needs numbers, not an int"),
     (lambda: Key(Transition, [0, "1"], 5), TypeError, "args[1] needs a number, not a str"),
