@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "Dmx.h"
+#include "Fseq.h"
 #include "Recording.h"
 
 #include <animationmodel/json.h>
@@ -28,11 +29,21 @@ Animation show_of(const std::string& text) {
     return show;
 }
 
+Animation take_rendered(Sequence sequence, Rendering& rendering) {
+    if (!rendering.read) {
+        rendering.read = sequence.step;
+        rendering.media = std::move(sequence.media);
+    }
+    return std::move(sequence.show);
+}
+
 } // namespace
 
-Animation read_show(const std::string& path) {
+Animation read_show(const std::string& path, Rendering& rendering) {
     std::ifstream file(path, std::ios::binary);
     const int first = file.peek(); // a pipe can be read only once
+    if (first == 'P')
+        return take_rendered(read_fseq(file, path, rendering.limited), rendering);
     if (first != '{' && std::isspace(first) == 0)
         return read_recording(file, path);
     const std::string text(std::istreambuf_iterator<char>(file), {});
@@ -43,10 +54,12 @@ Animation read_show(const std::string& path) {
     }
 }
 
-void write_show(const Animation& show, const std::string& path) {
+void write_show(const Animation& show, const std::string& path, const Rendering& rendering) {
     write_file(path, [&](std::ostream& out) {
         if (path.ends_with(".json"))
             out << animation_to_json(show);
+        else if (path.ends_with(".fseq"))
+            write_fseq(out, show, rendering.step(), rendering.media);
         else
             write_recording(out, show);
     });

@@ -72,8 +72,7 @@ void rotation(Animation& show, Number<0, 255> pulse, Number<0, 255> rest, Durati
 }
 
 /// Where the show laid over it sends nothing, the show goes on: keys end there.
-void override_with(Animation& show, const File& file, Time at) {
-    Animation other = read_show(file);
+void override_with(Animation& show, Animation other, Time at) {
     const unsigned int duration = show.durationInFrames();
     for (auto& [name, layer] : other.layers) {
         show.fillInLayer(name, duration);
@@ -90,14 +89,16 @@ void override_with(Animation& show, const File& file, Time at) {
     show.overrideLayersWith(other, at);
 }
 
-void split(const Animation& show, Duration step, const std::string& prefix) {
+/// Writes pieces whose names are numbered, before ".fseq" or ".json" if that is how they end.
+void split(const Animation& show, Duration step, const File& file, const Rendering& rendering) {
     std::vector<Animation> pieces = show.splitEach(step, true, true);
     std::erase_if(pieces, [](const Animation& piece) { return piece.empty(); });
     const std::size_t width = std::to_string(pieces.size()).size();
+    const std::size_t kind = file.ends_with(".fseq") || file.ends_with(".json") ? 5 : 0;
     for (std::size_t i = 1; i <= pieces.size(); ++i) {
         std::string number = std::to_string(i);
         number.insert(0, width - number.size(), '0');
-        write_show(pieces[i - 1], prefix + number);
+        write_show(pieces[i - 1], File(file).insert(file.size() - kind, number), rendering);
     }
 }
 
@@ -108,14 +109,14 @@ void draw(const Animation& show, const File& file) {
 using Action = std::function<void(Animation&)>;
 using Actions = std::vector<Action>;
 
-Action action(void (*act)(Animation&, Range), const Words& words) {
+Action action(const std::function<void(Animation&, Range)>& act, const Words& words) {
     const Range range{Time(words[0]), Time(words[1])};
     return [=](Animation& show) { act(show, range); };
 }
 
 /// `act` with the words after an option for arguments.
 template <class Show, class... Arguments>
-Action action(void (*act)(Show, Arguments...), const Words& words) {
+Action action(const std::function<void(Show, Arguments...)>& act, const Words& words) {
     auto word = words.begin();
     const std::tuple<std::decay_t<Arguments>...> arguments{std::decay_t<Arguments>(*word++)...};
     return [=](Animation& show) { std::apply(act, std::tuple_cat(std::tie(show), arguments)); };
@@ -146,16 +147,17 @@ int main(int argc, char** argv) {
     Actions edits;
     Actions outputs;
     unsigned int rate = 40;
+    Rendering rendering;
     std::vector<Option> options;
     const auto add = [&](Actions& actions, const char* name, const char* words, const char* help,
                          auto act) {
         const auto take = [&actions, act](const Words& given) {
-            actions.push_back(action(+act, given));
+            actions.push_back(action(std::function(act), given));
         };
         options.push_back({name, words, help, take});
     };
-    add(inputs, "FILE", "", "a recording of ola_recorder, or an animation as JSON",
-        [](Animation& show, const File& file) { show = read_show(file); });
+    add(inputs, "FILE", "", "an .fseq file, a recording of ola_recorder, or an animation as JSON",
+        [&](Animation& show, const File& file) { show = read_show(file, rendering); });
     add(inputs, "--rotation", "PULSE REST RISE FALL STEP",
         "instead: the preset on channels 1 to 8 of universe 1", rotation);
     add(edits, "--keep", "FROM TO", "keeps what lies between", [](Animation& show, Range range) {
@@ -165,10 +167,16 @@ int main(int argc, char** argv) {
     add(edits, "--remove", "FROM TO", "removes what lies between",
         [](Animation& show, Range range) { show.remove(range.begin, range.end - range.begin); });
     add(edits, "--insert", "FILE AT", "inserts a show",
-        [](Animation& show, const File& file, Time at) { show.insert(read_show(file), at); });
-    add(edits, "--append", "FILE", "appends a show",
-        [](Animation& show, const File& file) { show.pushBack(read_show(file), true, true); });
-    add(edits, "--override", "FILE AT", "lays a show over", override_with);
+        [&](Animation& show, const File& file, Time at) {
+            show.insert(read_show(file, rendering), at);
+        });
+    add(edits, "--append", "FILE", "appends a show", [&](Animation& show, const File& file) {
+        show.pushBack(read_show(file, rendering), true, true);
+    });
+    add(edits, "--override", "FILE AT", "lays a show over",
+        [&](Animation& show, const File& file, Time at) {
+            override_with(show, read_show(file, rendering), at);
+        });
     add(edits, "--intro", "T", "the first T do not loop",
         [](Animation& show, Time size) { show.introSize = size; });
     add(edits, "--outro", "T", "the last T do not loop",
@@ -177,9 +185,12 @@ int main(int argc, char** argv) {
         [](Animation& show, Number<0, mostFrames> n) { show = show.loop(n, false, false); });
     add(edits, "--last", "T", "plays faster or slower, to last T",
         [](Animation& show, Time frames) { stretch_to(show, frames.frames); });
-    add(outputs, "--write", "FILE", "writes a recording, or JSON if FILE ends in .json",
-        write_show);
-    add(outputs, "--split", "T PREFIX", "writes PREFIX1, PREFIX2 ... of T each", split);
+    add(outputs, "--write", "FILE", "writes .fseq or .json if FILE ends so, else a recording",
+        [&](const Animation& show, const File& file) { write_show(show, file, rendering); });
+    add(outputs, "--split", "T FILE", "writes FILE1, FILE2 ... of T each; part.fseq as part1.fseq",
+        [&](const Animation& show, Duration step, const File& file) {
+            split(show, step, file, rendering);
+        });
     add(outputs, "--svg", "FILE", "draws a picture that plays", draw);
     options.push_back({"--play", "", "plays by the olad of this machine", [&](const Words&) {
                            outputs.emplace_back(
@@ -187,6 +198,11 @@ int main(int argc, char** argv) {
                        }});
     options.push_back({"--rate", "N", "frames a second to play, 1 to 1000 (40)",
                        [&](const Words& words) { rate = Number<1, 1000>(words[0]); }});
+    options.push_back({"--step", "MS",
+                       "milliseconds a step of .fseq files, 1 to 255 (as read, or 25)",
+                       [&](const Words& words) { rendering.told = Number<1, 255>(words[0]); }});
+    options.push_back({"--no-limit", "", "reads .fseq files of more than 2 GB, too",
+                       [&](const Words&) { rendering.limited = false; }});
     const CommandLine line{"lightshow",
                            "Edits light shows. A time is milliseconds, or seconds with an s.",
                            options, [&] { run(inputs, edits, outputs); }};
