@@ -26,6 +26,10 @@ std::pair<unsigned int, unsigned int> channel_of(const std::string& layer) {
     return {*universe, *channel};
 }
 
+std::uint8_t dmx_value(float value) {
+    return static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.F, 255.F)));
+}
+
 DmxPlayer::DmxPlayer(const LayerMap& layers) : player(layers) {
     for (const Track& track : player) {
         const auto [universe, channel] = channel_of(track.name());
@@ -43,7 +47,7 @@ const Universes& DmxPlayer::seek(unsigned int frame) {
         std::vector<std::uint8_t>& values = universes[places[i].first];
         if (const auto value = player[i].value()) {
             values.resize(places[i].second + 1);
-            values.back() = static_cast<std::uint8_t>(std::lround(std::clamp(*value, 0.F, 255.F)));
+            values.back() = dmx_value(*value);
         }
     }
     return universes;

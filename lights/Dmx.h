@@ -18,6 +18,9 @@ std::string channel_name(unsigned int universe, unsigned int channel);
 /// numbers may be left out: "1.5". Throws std::runtime_error, naming it, if it is called otherwise.
 std::pair<unsigned int, unsigned int> channel_of(const std::string& layer);
 
+/// A value as a channel sends it: rounded, from 0 to 255.
+std::uint8_t dmx_value(float value);
+
 /// The values of each universe, from channel 1 to the last one that has a value.
 using Universes = std::map<unsigned int, std::vector<std::uint8_t>>;
 

@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "Dmx.h"
+#include "Fit.h"
 #include "Picture.h"
 #include "Recording.h"
 #include "Show.h"
@@ -117,7 +118,7 @@ Action action(const std::function<void(Animation&, Range)>& act, const Words& wo
 /// `act` with the words after an option for arguments.
 template <class Show, class... Arguments>
 Action action(const std::function<void(Show, Arguments...)>& act, const Words& words) {
-    auto word = words.begin();
+    [[maybe_unused]] auto word = words.begin();
     const std::tuple<std::decay_t<Arguments>...> arguments{std::decay_t<Arguments>(*word++)...};
     return [=](Animation& show) { std::apply(act, std::tuple_cat(std::tie(show), arguments)); };
 }
@@ -185,6 +186,8 @@ int main(int argc, char** argv) {
         [](Animation& show, Number<0, mostFrames> n) { show = show.loop(n, false, false); });
     add(edits, "--last", "T", "plays faster or slower, to last T",
         [](Animation& show, Time frames) { stretch_to(show, frames.frames); });
+    add(edits, "--fit", "", "joins keys: the values at the start of each step stay",
+        [&](Animation& show) { fit(show, rendering.step()); });
     add(outputs, "--write", "FILE", "writes .fseq or .json if FILE ends so, else a recording",
         [&](const Animation& show, const File& file) { write_show(show, file, rendering); });
     add(outputs, "--split", "T FILE", "writes FILE1, FILE2 ... of T each; part.fseq as part1.fseq",

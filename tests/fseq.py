@@ -264,7 +264,7 @@ def save(name, data):
 
 def check(condition, what):
     if not condition:
-        sys.exit(f"rendered shows: {what}")
+        sys.exit(what)
 
 
 def check_written(data, show, what):
