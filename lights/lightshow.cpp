@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 #include "Dmx.h"
 #include "Fit.h"
+#include "Labels.h"
 #include "Picture.h"
 #include "Recording.h"
 #include "Show.h"
@@ -36,14 +37,18 @@ struct Number {
     unsigned int value = 0;
 };
 
-/// Milliseconds, which are frames, or seconds: "1500", "1.5s".
+/// Milliseconds, which are frames, seconds, or a label: "1500", "1.5s", "verse", "verse:end".
 template <unsigned int least>
 struct Milliseconds {
-    explicit Milliseconds(const std::string& word) {
+    Milliseconds(const std::string& word, const Labels& labels) {
         const bool seconds = word.ends_with('s');
         const auto number = parse<double>({word.data(), word.size() - (seconds ? 1 : 0)});
-        const double time = std::round(number.value_or(NAN) * (seconds ? 1000 : 1));
-        if (!(time >= least && time <= mostFrames))
+        double time = std::round(number.value_or(NAN) * (seconds ? 1000 : 1));
+        const auto valid = [&time] { return time >= least && time <= mostFrames; };
+        if (!valid())
+            if (const auto labelled = labels.find(word))
+                time = *labelled;
+        if (!valid())
             throw std::runtime_error(std::string("a time ") + (least > 0 ? "above 0 " : "") +
                                      "such as 1500 or 1.5s cannot be \"" + word + "\"");
         frames = static_cast<unsigned int>(time);
@@ -110,16 +115,27 @@ void draw(const Animation& show, const File& file) {
 using Action = std::function<void(Animation&)>;
 using Actions = std::vector<Action>;
 
-Action action(const std::function<void(Animation&, Range)>& act, const Words& words) {
-    const Range range{Time(words[0]), Time(words[1])};
+Action action(const std::function<void(Animation&, Range)>& act, const Words& words,
+              const Labels& labels) {
+    const Range range{Time(words[0], labels), Time(words[1], labels)};
     return [=](Animation& show) { act(show, range); };
+}
+
+template <class Argument>
+Argument argument(const std::string& word, const Labels& labels) {
+    if constexpr (std::is_constructible_v<Argument, const std::string&, const Labels&>)
+        return Argument(word, labels);
+    else
+        return Argument(word);
 }
 
 /// `act` with the words after an option for arguments.
 template <class Show, class... Arguments>
-Action action(const std::function<void(Show, Arguments...)>& act, const Words& words) {
+Action action(const std::function<void(Show, Arguments...)>& act, const Words& words,
+              const Labels& labels) {
     [[maybe_unused]] auto word = words.begin();
-    const std::tuple<std::decay_t<Arguments>...> arguments{std::decay_t<Arguments>(*word++)...};
+    const std::tuple<std::decay_t<Arguments>...> arguments{
+        argument<std::decay_t<Arguments>>(*word++, labels)...};
     return [=](Animation& show) { std::apply(act, std::tuple_cat(std::tie(show), arguments)); };
 }
 
@@ -150,10 +166,18 @@ int main(int argc, char** argv) {
     unsigned int rate = 40;
     Rendering rendering;
     std::vector<Option> options;
-    const auto add = [&](Actions& actions, const char* name, const char* words, const char* help,
+    Labels labels;
+    std::vector<std::function<void()>> actions; // to take once all labels are known
+    const auto add = [&](Actions& taken, const char* name, const char* words, const char* help,
                          auto act) {
-        const auto take = [&actions, act](const Words& given) {
-            actions.push_back(action(std::function(act), given));
+        const auto take = [&, name, act](const Words& given) {
+            actions.emplace_back([&, name, act, given] {
+                try {
+                    taken.push_back(action(std::function(act), given, labels));
+                } catch (const std::runtime_error& error) {
+                    throw std::runtime_error(std::string(name) + ": " + error.what());
+                }
+            });
         };
         options.push_back({name, words, help, take});
     };
@@ -195,19 +219,24 @@ int main(int argc, char** argv) {
             split(show, step, file, rendering);
         });
     add(outputs, "--svg", "FILE", "draws a picture that plays", draw);
-    options.push_back({"--play", "", "plays by the olad of this machine", [&](const Words&) {
-                           outputs.emplace_back(
-                               [&](const Animation& show) { play_by_olad(show, rate); });
-                       }});
+    add(outputs, "--play", "", "plays by the olad of this machine",
+        [&](const Animation& show) { play_by_olad(show, rate); });
     options.push_back({"--rate", "N", "frames a second to play, 1 to 1000 (40)",
                        [&](const Words& words) { rate = Number<1, 1000>(words[0]); }});
     options.push_back({"--step", "MS",
                        "milliseconds a step of .fseq files, 1 to 255 (as read, or 25)",
                        [&](const Words& words) { rendering.told = Number<1, 255>(words[0]); }});
+    options.push_back({"--labels", "FILE",
+                       "names times by the labels of Audacity: verse, verse:end",
+                       [&](const Words& words) { labels.read(words[0]); }});
     options.push_back({"--no-limit", "", "reads .fseq files of more than 2 GB, too",
                        [&](const Words&) { rendering.limited = false; }});
-    const CommandLine line{"lightshow",
-                           "Edits light shows. A time is milliseconds, or seconds with an s.",
-                           options, [&] { run(inputs, edits, outputs); }};
+    const CommandLine line{
+        "lightshow", "Edits light shows. A time is milliseconds, seconds with an s, or a label.",
+        options, [&] {
+            for (const auto& take : actions)
+                take();
+            run(inputs, edits, outputs);
+        }};
     return line.run(argc, argv);
 }

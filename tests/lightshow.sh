@@ -57,6 +57,16 @@ makes '1 3,3,3,3,3,3,3,3 1 1 5,3,3,3,3,3,3,3 1 1 4,3,3,3,3,3,3,3 1 1 3,3,3,3,3,3
     --rotation 5 3 1 2 3 --keep 0 5
 makes '1 10,20 100 1 30 50' a --intro 90 --outro 60 --loop 1
 
+# times by the names of labels, wherever these are read
+printf '0.05\t0.12\tverse\n\\\t20\t40\n0.120\t.14\tlast chorus\r\n0\t0.1\t140\n0\t0\ttwice\n' >labels
+printf '0.0004\t0.0005\ttwice\n1e-1\t1\tverse:end\n' >labels2
+makes '1 10,20 50 1 30 20' a --labels labels --keep verse 'last chorus'
+makes '1 10,20 50 1 30 20' a --keep verse verse:end --labels labels
+makes '1 10,20 50' a --keep verse verse:end --labels labels --labels labels2
+makes '1 10,20 20 1 30 50' a --remove 0 30 --keep verse 'last chorus' --labels labels
+makes '1 10,20 100 1 30 40' a --labels labels --remove 140 200
+makes '1 10,20 80 1 30 40' a --labels labels --last verse:end
+
 # animations as JSON: ends at the nearest millisecond, a Transition played, parts that stay parts
 printf '{"fps": 300, "introSize": 1, "outroSize": 4, "layers": {"1.2": [["Hold", [7], 1],
     ["Transition", [0, 255], 2], ["NoValue", [], 1], ["Hold", [300], 1]], "01.001": []}}' >c
@@ -156,6 +166,22 @@ refuses 2 '--remove: TO has to come after FROM' a --remove 30 30
 refuses 2 '--keep: TO has to come after FROM' a --keep 5 2
 refuses 2 '--last: a time such as 1500 or 1.5s cannot be "1.5m"' a --last 1.5m
 refuses 2 'An animation of 150 frames cannot last 0' a --last 0
+said_of() { # the names
+    printf '%s; there are verse, last chorus, 140, twice' "$1"
+}
+refuses 2 "--keep: $(said_of 'no label is called "coda"')" a --labels labels --keep verse coda:end
+refuses 2 "--remove: $(said_of 'several labels are called "twice"'), twice, verse:end" \
+    a --remove 0 twice --labels labels --labels labels2
+refuses 2 '--keep: TO has to come after FROM' a --labels labels --keep verse:end verse
+refuses 2 '--last: a time such as 1500 or 1.5s cannot be "verse"' a --last verse
+refuses 2 '--split: a time above 0 such as 1500 or 1.5s cannot be "twice"' \
+    a --write out --split twice piece --labels labels
+refuses 2 '--labels: none: cannot be read, or is empty' a --labels none
+for line in 'verse' '0\t1' '0\tx\tverse' '-1\t1\tverse' '0\t1e9\tverse'; do
+    printf '0\t1\tverse\n%b\n' "$line" >bad
+    refuses 2 '--labels: bad:2: a label is start and end in seconds and a name, with tabs between' \
+        a --labels bad
+done
 refuses 2 '--rotation: needs a number from 0 to 255, not "256"' --rotation 255 256 1 1 1
 refuses 2 '--rate: needs a number from 1 to 1000, not "0"' a --rate 0
 refuses 2 '--rate: needs a number from 1 to 1000, not "1001"' a --rate 1001
