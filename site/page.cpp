@@ -5,18 +5,21 @@
 #include "Picture.h"
 #include "Recording.h"
 #include <animationmodel/play.h>
+#include <animationmodel/retime.h>
 
 #include <animationmodel/Rotation.h>
 #include <animationmodel/json.h>
 
 #include <emscripten/bind.h>
 
+#include <algorithm>
 #include <exception>
 #include <iterator>
 #include <new>
 #include <set>
 #include <sstream>
 #include <type_traits>
+#include <vector>
 
 using namespace Kiv;
 using emscripten::val;
@@ -25,10 +28,15 @@ namespace {
 
 /// So many keys can be edited as text. An operation that gives more is refused beforehand where it
 /// may ask for any number of them, and afterwards elsewhere.
-constexpr std::size_t mostKeys = 100000;
+constexpr std::size_t mostKeys = 20000;
 
 std::size_t keys_of(const Animation& animation) {
     return count_keys(animation.layers);
+}
+
+/// The frames of the longest layer, which may be more than 2^32 - 1.
+double frames_of(const Animation& animation) {
+    return static_cast<double>(full_duration(animation.layers));
 }
 
 val error(const std::string& text) {
@@ -103,6 +111,12 @@ val loop(Animation& show, unsigned int count, bool repeatIntro, bool repeatOutro
     });
 }
 
+/// Each piece has all layers.
+void refuse_pieces(const Animation& show, double pieces) {
+    refuse_above(pieces * static_cast<double>(std::max<std::size_t>(1, show.layers.size())),
+                 mostKeys, "layers of pieces");
+}
+
 /// Takes one of the pieces, counted from 0.
 void take(Animation& show, const std::vector<Animation>& pieces, unsigned int piece) {
     if (piece >= pieces.size())
@@ -115,6 +129,7 @@ val split_at(Animation& show, const val& frames, bool keepIntro, bool keepOutro,
              unsigned int piece) {
     return result_of([&] {
         const auto cuts = emscripten::vecFromJSArray<unsigned int>(frames);
+        refuse_pieces(show, static_cast<double>(cuts.size()) + 1);
         take(show, show.splitAt(std::set(cuts.begin(), cuts.end()), keepIntro, keepOutro), piece);
     });
 }
@@ -123,7 +138,7 @@ val split_each(Animation& show, unsigned int step, bool keepIntro, bool keepOutr
                unsigned int piece) {
     return result_of([&] {
         if (step > 0)
-            refuse_above(show.durationInFrames() / step, mostKeys, "pieces");
+            refuse_pieces(show, show.durationInFrames() / step + 2.0);
         take(show, show.splitEach(step, keepIntro, keepOutro), piece);
     });
 }
@@ -136,6 +151,14 @@ val intro_body_outro(Animation& show, const std::string& part) {
         show.introBodyOutroLayers(intro, body, outro);
         show = part == "intro" ? intro : part == "body" ? body : outro;
     });
+}
+
+val set_frame_rate(Animation& show, float fps) {
+    return result_of([&] { change_frame_rate(show, fps); });
+}
+
+val set_length(Animation& show, unsigned int frames) {
+    return result_of([&] { stretch_to(show, frames); });
 }
 
 val rotation(Animation& show, float pulseValue, float restValue, unsigned int riseDuration,
@@ -178,13 +201,18 @@ val names(const Animation& show) {
     return result;
 }
 
-/// The values that the layers have on a frame, as text; an empty one where there is none.
-val values(const Animation& show, unsigned int frame) {
-    std::vector<float> values(show.layers.size());
-    sample(show.layers, frame, 1, values.data());
+/// The values that the first layers, `most` of them, have on a frame, as text; an empty one where
+/// there is none.
+val values(const Animation& show, unsigned int frame, unsigned int most) {
     val result = val::array();
-    for (const float value : values)
-        result.call<void>("push", std::isnan(value) ? std::string() : number(value, 6));
+    for (const auto& [name, layer] : show.layers) {
+        if (most-- == 0)
+            break;
+        Track track(name, layer);
+        track.seek(frame);
+        const auto value = track.value();
+        result.call<void>("push", value ? number(*value, 6) : std::string());
+    }
     return result;
 }
 
@@ -206,15 +234,15 @@ EMSCRIPTEN_BINDINGS(page) {
         .function("fillInLayer", &Edit<&Animation::fillInLayer>::call)
         .function("setFPSToFitDurationInSeconds",
                   &Edit<&Animation::setFPSToFitDurationInSeconds>::call)
+        .function("change_frame_rate", &set_frame_rate)
+        .function("stretch_to", &set_length)
         .function("reset", &Edit<&Animation::reset>::call)
         .function("loop", &loop)
         .function("splitAt", &split_at)
         .function("splitEach", &split_each)
         .function("introBodyOutroLayers", &intro_body_outro)
         .function("Rotation", &rotation)
-        .function("frames",
-                  emscripten::select_overload<unsigned int() const>(&Animation::durationInFrames))
-        .function("keys", &keys_of)
+        .function("frames", &frames_of)
         .function("measures", &measures)
         .function("names", &names)
         .function("values", &values)

@@ -1,58 +1,130 @@
-"use strict";
-
-// A line of controls for each: its name, and the line of C++ that it stands for, with the names of
-// controls in the places of their values.
+// Each operation by its name in C++: the line of C++ that it stands for, with the names of controls
+// in the places of their values, and what it does. Forms, calls, addresses and programs follow this
+// table.
 const operations = {
     "All layers": {
-        "Replace": "show.replace(start, count, other);",
-        "Insert": "show.insert(other, frame);",
-        "Append": "show.pushBack(other, keepOutro, keepIntro);",
-        "Remove": "show.remove(start, count);",
-        "Override": "show.overrideLayersWith(other, frame);",
-        "Fit to seconds": "show.setFPSToFitDurationInSeconds(seconds);",
-        "Reset": "show.reset();",
+        replace: {
+            label: "Replace", cpp: "show.replace(start, count, other);",
+            does: "Puts other in the place of a range of frames. What lay after it follows.",
+        },
+        insert: {
+            label: "Insert", cpp: "show.insert(other, frame);",
+            does: "Inserts other. What stood there follows; a key across the place is cut.",
+        },
+        pushBack: {
+            label: "Append", cpp: "show.pushBack(other, keepOutro, keepIntro);",
+            does: "Appends other, and drops the outro before it and its own intro unless kept.",
+        },
+        remove: {
+            label: "Remove", cpp: "show.remove(start, count);",
+            does: "Takes a range of frames out of every layer. What lay after it moves up.",
+        },
+        overrideLayersWith: {
+            label: "Override", cpp: "show.overrideLayersWith(other, frame);",
+            does: "Lays the layers of other over those of the same name. Where they wait, the " +
+                "layer shows through. A key that they end inside follows whole.",
+        },
     },
     "One layer": {
-        "Replace": "show.replaceInLayer(name, start, count, other.layer(from));",
-        "Insert": "show.insertInLayer(name, other.layer(from), frame);",
-        "Append": "show.pushBackInLayer(name, other.layer(from));",
-        "Remove": "show.removeInLayer(name, start, count);",
-        "Override": "show.overrideLayerWith(name, other.layer(from), frame);",
-        "Fill": "show.fillInLayer(name, frames);",
+        replaceInLayer: {
+            label: "Replace", cpp: "show.replaceInLayer(name, start, count, other.layer(keys));",
+            does: "Puts the keys of a layer in the place of a range of frames. What lay after " +
+                "it follows.",
+        },
+        insertInLayer: {
+            label: "Insert", cpp: "show.insertInLayer(name, other.layer(keys), frame);",
+            does: "Inserts the keys of a layer. What stood there follows; a key across the " +
+                "place is cut.",
+        },
+        pushBackInLayer: {
+            label: "Append", cpp: "show.pushBackInLayer(name, other.layer(keys));",
+            does: "Appends the keys of a layer.",
+        },
+        removeInLayer: {
+            label: "Remove", cpp: "show.removeInLayer(name, start, count);",
+            does: "Takes a range of frames out of the layer. With a count of 0 it only cuts " +
+                "there.",
+        },
+        overrideLayerWith: {
+            label: "Override", cpp: "show.overrideLayerWith(name, other.layer(keys), frame);",
+            does: "Lays the keys of a layer over this one. Where they wait, it shows through. " +
+                "A key that they end inside follows whole.",
+        },
+        fillInLayer: {
+            label: "Fill", cpp: "show.fillInLayer(name, frames);",
+            does: "Appends a Wait key that makes the layer last so many frames.",
+        },
+    },
+    "Time": {
+        setFPSToFitDurationInSeconds: {
+            label: "Fit to seconds", cpp: "show.setFPSToFitDurationInSeconds(seconds);",
+            does: "Sets the frame rate so that the animation lasts so long. No key moves.",
+        },
+        change_frame_rate: {
+            label: "Change rate", cpp: "change_frame_rate(show, fps);",
+            does: "Sets the frame rate, and moves the ends of keys so that the animation lasts " +
+                "as many seconds as before.",
+        },
+        stretch_to: {
+            label: "Stretch", cpp: "stretch_to(show, frames);",
+            does: "Moves the ends of keys so that the animation lasts so many frames.",
+        },
     },
     "A new animation": {
-        "Loop": "show = show.loop(count, repeatIntro, repeatOutro);",
-        "Split at": "show = show.splitAt({cuts}, keepIntro, keepOutro).at(piece);",
-        "Split each": "show = show.splitEach(step, keepIntro, keepOutro).at(piece);",
-        "Take a part": "LayerMap intro, body, outro; " +
-            "show.introBodyOutroLayers(intro, body, outro); show = part;",
-        "Rotation": "show = Rotation(pulseValue, restValue, riseDuration, fallDuration, " +
-            "stepDuration);",
+        loop: {
+            label: "Loop", cpp: "show = show.loop(count, repeatIntro, repeatOutro);",
+            does: "Plays the body so many times, between one intro and one outro, or with " +
+                "them around every body.",
+        },
+        splitAt: {
+            label: "Split at", cpp: "show = show.splitAt({cuts}, keepIntro, keepOutro).at(piece);",
+            does: "Cuts all layers at these frames, and takes one of the pieces; 0 is the first.",
+        },
+        splitEach: {
+            label: "Split each",
+            cpp: "show = show.splitEach(step, keepIntro, keepOutro).at(piece);",
+            does: "Cuts all layers at 0 and again after each step, and takes one of the pieces. " +
+                "Piece 0 is empty.",
+        },
+        introBodyOutroLayers: {
+            label: "Take a part", cpp: "LayerMap intro, body, outro; " +
+                "show.introBodyOutroLayers(intro, body, outro); show = part;",
+            does: "Takes the intro, the body or the outro as an animation of its own.",
+        },
+        Rotation: {
+            label: "Rotation", cpp: "show = Rotation(pulseValue, restValue, riseDuration, " +
+                "fallDuration, stepDuration);",
+            does: "A pulse that travels twice around a ring of eight lamps.",
+        },
+        reset: {
+            label: "Reset", cpp: "show.reset();", does: "Goes back to no layers at 25 fps.",
+        },
     },
 };
-const frames = value => ({ type: "number", min: 0, max: 2 ** 32 - 1, step: 1, value });
-const float = value => ({ type: "number", step: "any", value });
-const flag = { type: "checkbox" };
+const frames = value => ({ kind: "frames", value });
+const float = value => ({ kind: "float", value });
+const flag = { kind: "flag", value: false };
 const controls = {
-    frame: frames(10), start: frames(10), count: frames(2), frames: frames(40), step: frames(10),
-    piece: frames(1), riseDuration: frames(4), fallDuration: frames(8), stepDuration: frames(3),
-    cuts: { value: "10", pattern: " *[0-9]{1,9}( *, *[0-9]{1,9})* *", title: "such as 5, 15" },
-    seconds: float(8), pulseValue: float(1), restValue: float(0.1),
+    frame: { kind: "frames", follows: true }, start: { kind: "frames", follows: true },
+    count: frames("2"), frames: frames("40"), step: frames("10"), piece: frames("1"),
+    riseDuration: frames("4"), fallDuration: frames("8"), stepDuration: frames("3"),
+    cuts: { kind: "cuts", name: "frames", follows: true }, fps: float("30"), seconds: float("8"),
+    pulseValue: float("1"), restValue: float("0.1"),
     keepIntro: flag, keepOutro: flag, repeatIntro: flag, repeatOutro: flag,
-    name: { type: "text" }, from: { choices: [] }, part: { choices: ["intro", "body", "outro"] },
+    name: { kind: "layer" }, keys: { kind: "choice" },
+    part: { kind: "part", choices: ["intro", "body", "outro"], value: "body" },
 };
-const labels = { cuts: "frames", piece: "piece (0 is the first)", name: "layer",
-    from: "keys of other's layer" };
-const picked = ["frame", "start", "cuts"]; // these follow the frame that is shown
-const mostDrawn = 20000, mostLanes = 200; // keys and layers
-const mostInAddress = 50000; // characters
-const mostRemembered = 3e7; // characters
+const mostLanes = 200; // layers that are drawn
+const mostReplaced = 4000; // elements of a picture; more are drawn anew with all others
+const mostListed = 512; // layers, in lists of names and of values
+const mostText = 2e6, mostInAddress = 50000, mostRemembered = 3e7; // characters
 
 const $ = id => document.getElementById(id);
+const firstOther = $("other").value;
 let library;
 let show, other; // undefined where the text is none
 let svg = "", drawn; // the picture as text and as an element, if there is one
-let playing = false, time = 0, last = 0; // seconds
+let playing = false, position = 0, last = 0; // frames, milliseconds
 
 function checked(result) {
     if (result instanceof Error)
@@ -71,60 +143,80 @@ function tell(id, work) {
 }
 
 /// Says something beside what was pressed.
-function say(text, place) {
+function say(text, place = $("tools")) {
     place.append($("told"));
     $("told").textContent = text;
 }
 
-// ---- The text, and what is drawn of it
+function element(tag, properties, ...children) {
+    const made = Object.assign(document.createElement(tag), properties);
+    made.append(...children);
+    return made;
+}
 
-const history = [];
+// ---- The texts, and what is drawn of them
+
+const states = [];
 let now = -1, typedAt = 0;
 
-function remember(typed) {
-    const follows = typed && Date.now() - typedAt < 1000;
-    typedAt = typed ? Date.now() : 0;
-    history.splice(follows ? now : now + 1, Infinity,
-        { text: $("text").value, title: $("title").value });
-    const length = () => history.reduce((sum, state) => sum + state.text.length, 0);
-    while (history.length > 1 && length() > mostRemembered)
-        history.shift();
-    now = history.length - 1;
+function remember(state) {
+    const typed = state.typed && Date.now() - typedAt < 1000;
+    typedAt = state.typed ? Date.now() : 0;
+    states.splice(typed ? now : now + 1, Infinity, state);
+    const length = () => states.reduce((sum, { text }) => sum + text.length, 0);
+    while (states.length > 1 && length() > mostRemembered)
+        states.shift();
+    now = states.length - 1;
+}
+
+function write({ text, title }) {
+    $("text").value = text;
+    $("title").value = title;
 }
 
 function travel(steps) {
-    if (!history[now + steps])
+    if (!states[now + steps])
         return;
     now += steps;
     typedAt = 0;
-    $("text").value = history[now].text;
-    $("title").value = history[now].title;
+    write(states[now]);
     readText();
 }
 
+/// Another animation, which no edit led to.
 function setText(text, title) {
-    $("text").value = text;
-    if (title !== undefined)
-        $("title").value = title;
-    remember(false);
+    write({ text, title });
+    remember({ text, title });
     readText();
+}
+
+function typedText() {
+    remember({ text: $("text").value, title: $("title").value, typed: true });
+    readText();
+}
+
+function read(text) {
+    if (text.length > mostText)
+        throw Error(`${text.length} characters are more than this page edits, ${mostText}`);
+    return checked(library.read(text));
 }
 
 function readText() {
-    $("told").textContent = "";
+    $("told").textContent = $("refusal").textContent = "";
     $("example").value = "";
     $("undo").disabled = now <= 0;
-    $("redo").disabled = now >= history.length - 1;
-    const read = tell("mistake", () => checked(library.read($("text").value)));
-    $("text").setAttribute("aria-invalid", !read);
-    $("operations").disabled = !read;
-    if (!read)
+    $("redo").disabled = now >= states.length - 1;
+    const next = tell("mistake", () => read($("text").value));
+    $("text").setAttribute("aria-invalid", !next);
+    for (const id of ["fields", "save-picture"])
+        $(id).disabled = !next;
+    $("mend").hidden = Boolean(next);
+    if (!next)
         return;
     show?.delete();
-    show = read;
+    show = next;
     draw();
-    clearTimeout(readText.later);
-    readText.later = setTimeout(writeAddress, 300);
+    addressLater();
 }
 
 /// Replaces the elements that differ from the last picture: each is a line of the text, except that
@@ -142,14 +234,16 @@ function redraw(text) {
         ++same;
     while (alike < most - same && before.at(-1 - alike) === after.at(-1 - alike))
         ++alike;
-    if (drawn?.children.length === before.length - 2 - offset && same > offset && alike >= 2) {
+    const few = same > offset && alike >= 2 && most - same - alike < mostReplaced;
+    if (few && drawn?.children.length === before.length - 2 - offset) {
         const range = new Range();
         range.setStart(drawn, 0);
         const fresh = range.createContextualFragment(after.slice(same, -alike).join(""));
         const next = drawn.children[before.length - alike - offset] ?? null;
-        for (let count = before.length - alike - same; count > 0; --count)
-            drawn.children[same - offset].remove();
-        drawn.insertBefore(fresh, next);
+        const previous = drawn.children[same - offset - 1];
+        while (previous.nextElementSibling !== next)
+            previous.nextElementSibling.remove();
+        previous.after(fresh);
     } else {
         root.innerHTML = "<style>svg { display: block; width: 100%; height: auto; }</style>" + text;
         drawn = root.querySelector("svg");
@@ -158,46 +252,56 @@ function redraw(text) {
 }
 
 function draw() {
-    const keys = show.keys(), names = show.names();
-    const fits = keys <= mostDrawn && names.length <= mostLanes;
-    $("undrawn").textContent = fits ? "" : `${keys} keys in ${names.length} layers are too many ` +
-        `to draw: up to ${mostDrawn} in ${mostLanes} are drawn. All else works.`;
-    redraw(fits ? library.picture($("title").value, show) : "");
+    const names = show.names(), listed = names.slice(0, mostListed);
+    const fits = names.length <= mostLanes;
+    $("undrawn").textContent = fits ? "" : `${names.length} layers are too many to draw: up to ` +
+        `${mostLanes} are drawn. All else works.`;
+    const picture = fits ? library.picture($("title").value, show) : "";
+    if (picture instanceof Error)
+        $("undrawn").textContent = `There is no picture: ${picture.message}`;
+    redraw(picture instanceof Error ? "" : picture);
     $("picture").setAttribute("aria-label", `${$("title").value}: ${show.measures()}`);
-    $("names").replaceChildren(...names.map(name => new Option(name)));
-    $("values").replaceChildren(...names.slice(0, 512).map(name =>
+    $("names").replaceChildren(...listed.map(name => new Option(name)));
+    $("values").replaceChildren(...listed.map(name =>
         element("div", {}, element("dt", {}, name), element("dd"))));
-    for (const control of document.querySelectorAll("[name=name]"))
-        if (!names.includes(control.value))
-            control.defaultValue = names[0] ?? ""; // until something is typed there
-    writeCodes();
-    $("frame").max = Math.max(0, show.frames() - 1);
-    goTo(time);
+    if (!names.includes(controls.name.value))
+        controls.name.value = names[0] ?? "";
+    fill();
+    $("frame").max = Math.max(0, Math.min(show.frames(), 2 ** 32) - 1);
+    play(playing);
+    goTo(position);
 }
 
 function readOther() {
-    const read = tell("other-mistake", () => checked(library.read($("other").value)));
-    $("other").setAttribute("aria-invalid", !read);
-    if (!read)
+    const next = tell("other-mistake", () => read($("other").value));
+    $("other").setAttribute("aria-invalid", !next);
+    addressLater();
+    if (!next)
         return;
     other?.delete();
-    other = read;
-    for (const select of document.querySelectorAll("[name=from]"))
-        select.replaceChildren(...other.names().map(name => new Option(name)));
-    writeCodes();
+    other = next;
+    controls.keys.choices = other.names().slice(0, mostListed);
+    const { choices, value } = controls.keys;
+    controls.keys.value = choices.includes(value) ? value : choices[0] ?? "";
+    fill();
 }
 
 // ---- The frame
 
-const seconds = () => show.frames() / show.fps;
+/// Frames per second at which the picture plays; 0 if it does not.
+function rate() {
+    const fps = Math.abs(show.fps), seconds = show.frames() / fps;
+    return fps > 0 && isFinite(fps) && seconds > 0 && isFinite(seconds) ? fps : 0;
+}
 
 function goTo(to) {
-    time = to >= 0 && to < seconds() ? to : 0;
-    const frame = Math.min(Math.floor(time * show.fps + 1e-3) || 0, $("frame").max);
-    drawn?.setCurrentTime(time);
+    position = to >= 0 && to < show.frames() ? to : 0;
+    const frame = Math.min(Math.floor(position), $("frame").max);
+    if (rate() > 0)
+        drawn?.setCurrentTime((position + 1e-3) / rate());
     $("frame").value = frame;
     $("at").textContent = `Frame ${frame} of ${show.frames()}`;
-    const values = show.values(frame);
+    const values = show.values(frame, mostListed);
     $("values").querySelectorAll("dd").forEach((place, index) => {
         place.textContent = values[index] || "none";
     });
@@ -205,126 +309,227 @@ function goTo(to) {
 
 function pick(frame) {
     play(false);
-    goTo((frame + 1e-3) / show.fps);
-    for (const control of document.querySelectorAll(picked.map(name => `[name=${name}]`)))
-        control.value = $("frame").value;
-    writeCodes();
+    goTo(frame);
+    for (const control of Object.values(controls))
+        if (control.follows)
+            control.value = $("frame").value;
+    fill();
 }
 
 function play(on) {
-    playing = on && seconds() > 0 && isFinite(seconds());
+    playing = on && rate() > 0;
     $("play").textContent = playing ? "Pause" : "Play";
+    $("play").disabled = rate() === 0;
+    $("play").title = rate() > 0 ? "" :
+        `It does not play: ${show.frames()} frames at ${show.fps} frames per second.`;
+    cancelAnimationFrame(play.next);
     last = performance.now();
     if (playing)
-        requestAnimationFrame(playOn);
+        play.next = requestAnimationFrame(playOn);
 }
 
 function playOn(at) {
-    if (!playing)
-        return;
-    goTo((time + Math.max(0, at - last) / 1000) % seconds());
+    goTo((position + Math.max(0, at - last) / 1000 * rate()) % show.frames());
     last = at;
-    requestAnimationFrame(playOn);
+    play.next = requestAnimationFrame(playOn);
+}
+
+/// Where the timeline is in the picture.
+function places() {
+    const mark = drawn.querySelector(".now");
+    const top = mark.y.baseVal.value + 4, height = mark.height.baseVal.value - 8;
+    return {
+        left: mark.x.baseVal.value, right: drawn.viewBox.baseVal.width - 16,
+        top, bottom: top + height, lane: height / Math.max(1, show.names().length),
+    };
 }
 
 /// The frame under a place on the timeline.
 function frameAt(event) {
-    const place = new DOMPoint(event.clientX, event.clientY).matrixTransform(
+    const { x, y } = new DOMPoint(event.clientX, event.clientY).matrixTransform(
         drawn.getScreenCTM().inverse());
-    const mark = drawn.querySelector(".now");
-    const left = mark.x.baseVal.value, right = drawn.viewBox.baseVal.width - 16;
-    const y = mark.y.baseVal.value;
-    if (place.x < left || place.y < y - 15 || place.y > y + mark.height.baseVal.value + 20)
+    const { left, right, top, bottom } = places();
+    if (x < left || y < top - 19 || y > bottom + 24)
         return undefined;
-    const frame = Math.floor((place.x - left) / (right - left) * show.frames());
+    const frame = Math.floor((x - left) / (right - left) * show.frames());
     return Math.max(0, Math.min(frame, $("frame").max));
 }
 
+// ---- Values, as C++ has them
+
+const cppText = text => {
+    const bytes = new TextEncoder().encode(text).length;
+    const inside = JSON.stringify(text).replace(/\\u00(..)/g, (_, digits) =>
+        "\\" + parseInt(digits, 16).toString(8).padStart(3, "0"));
+    return text.includes("\0") ? `std::string(${inside}, ${bytes})` : inside;
+};
+
+function cppFloat(value) {
+    const text = Object.is(value, -0) ? "-0.0" : String(value);
+    if (Number.isInteger(value) && Math.abs(value) < 2 ** 24 && text !== "-0.0")
+        return text;
+    return text + (/[.e]/.test(text) ? "F" : ".0F");
+}
+
+function wholeOf(text, what) {
+    const value = text.trim() === "" ? NaN : Number(text);
+    if (!Number.isInteger(value) || value < 0 || value >= 2 ** 32)
+        throw Error(`${what} needs a whole number from 0 to 4294967295.`);
+    return value + 0; // -0 is 0
+}
+
+/// The nearest float, as the number of fewest digits that reads back as it.
+function floatOf(text, what) {
+    const value = text.trim() === "" ? NaN : Math.fround(Number(text));
+    if (!isFinite(value))
+        throw Error(`${what} needs a number within the floats' range.`);
+    let digits = 1;
+    while (Math.fround(Number(value.toPrecision(digits))) !== value)
+        ++digits;
+    return Number(value.toPrecision(digits));
+}
+
+/// What the text of a field stands for: the value that is passed on, and how it is written in C++.
+const kinds = {
+    frames: (text, what) => {
+        const value = wholeOf(text, what);
+        return { value, cpp: String(value) };
+    },
+    float: (text, what) => {
+        const value = floatOf(text, what);
+        return { value, cpp: cppFloat(value) };
+    },
+    cuts: (text, what) => {
+        const value = text.trim() === "" ? [] : text.split(",").map(cut => wholeOf(cut, what));
+        return { value, cpp: value.join(", ") };
+    },
+    flag: value => ({ value, cpp: String(value) }),
+    layer: text => {
+        const value = text.replace(/\p{Surrogate}/gu, "\ufffd");
+        return { value, cpp: cppText(value) };
+    },
+    choice: text => {
+        if (controls.keys.choices.length === 0)
+            throw Error("The second animation has no layer.");
+        return kinds.layer(text);
+    },
+    part: value => ({ value, cpp: value }),
+};
+
 // ---- Operations
 
+const all = Object.assign({}, ...Object.values(operations));
+const typed = {}; // what was typed into controls, which stays from one operation to the next
+let chosen = "loop";
+
 const wordsOf = code => code.match(/\w+/g);
-const forms = () => document.querySelectorAll("#operations form");
+const controlsOf = operation => wordsOf(all[operation].cpp).filter(word => word in controls);
+const fieldOf = name => $("operation").elements.namedItem(controls[name].name ?? name);
 
-function element(tag, properties, ...children) {
-    const made = Object.assign(document.createElement(tag), properties);
-    made.append(...children);
-    return made;
-}
-
-function makeControl(name) {
-    const { choices, ...properties } = controls[name];
-    const control = choices ?
-        element("select", { name }, ...choices.map(choice => new Option(choice))) :
-        element("input", { name, required: properties.type === "number", ...properties });
-    if (name === "name")
-        control.setAttribute("list", "names");
-    const label = labels[name] ?? name.replace(/[A-Z]/g, sign => " " + sign.toLowerCase());
-    return properties.type === "checkbox" ? element("label", {}, control, label) :
-        element("label", {}, label, control);
-}
-
-function makeForm(group, label, code) {
-    const copy = element("button", { type: "button", className: "copy" }, "Copy");
-    copy.setAttribute("aria-label", `Copy the C++ of ${label}, ${group.toLowerCase()}`);
-    const form = element("form", {}, element("button", { className: "apply" }, label),
-        ...wordsOf(code).filter(word => word in controls).map(makeControl),
-        element("div", { className: "code" }, element("code"), copy));
-    form.dataset.code = code;
-    form.setAttribute("aria-label", `${label}, ${group.toLowerCase()}`);
-    copy.onclick = () => copyText(form.querySelector("code").textContent, "Copied.", form);
-    form.oninput = () => writeCode(form);
-    form.onsubmit = event => {
-        event.preventDefault();
-        form.append($("refusal"));
-        tell("refusal", () => apply(form));
+function makeField(key) {
+    const { kind, name = key, choices } = controls[key];
+    const types = { frames: "number", float: "number", flag: "checkbox" };
+    const field = choices ? element("select", { name }) :
+        element("input", { name, type: types[kind] ?? "text", autocomplete: "off" });
+    if (kind === "frames")
+        Object.assign(field, { min: 0, max: 2 ** 32 - 1, step: 1 });
+    if (kind === "float")
+        field.step = "any";
+    if (kind === "layer")
+        field.setAttribute("list", "names");
+    if (kind === "cuts")
+        field.placeholder = "such as 5, 15";
+    field.oninput = () => {
+        typed[key] = field.type === "checkbox" ? field.checked : field.value;
+        if (field.type === "number" && field.value === "" && !field.validity.badInput)
+            delete typed[key]; // it follows the picture again
+        writeCode();
+        addressLater();
     };
-    return form;
+    field.onchange = fill;
+    return kind === "flag" ? element("label", { className: "flag" }, field, name) :
+        element("label", {}, name, field);
 }
 
-/// A value as C++ has it.
-function literal(name, control) {
-    if (control.type === "checkbox")
-        return String(control.checked);
-    if (name === "name" || name === "from")
-        return JSON.stringify(control.value);
-    return control.step === "any" && /[.e]/i.test(control.value) ? control.value + "F" :
-        control.value.trim();
+/// Shows the form of an operation.
+function choose(operation) {
+    if ($("controls").contains(document.activeElement))
+        document.activeElement.blur(); // while it still has the operation that it belongs to
+    chosen = $("choice").value = operation;
+    const { label, does } = all[chosen];
+    $("does").textContent = does;
+    $("apply").textContent = label;
+    $("controls").replaceChildren(...controlsOf(chosen).map(makeField));
+    $("second").hidden = !wordsOf(all[chosen].cpp).includes("other");
+    $("refusal").textContent = "";
+    fill();
 }
 
-function writeCode(form) {
-    form.querySelector("code").textContent = form.dataset.code.replace(/\w+/g, word =>
-        word in controls ? literal(word, form.elements.namedItem(word)) : word);
-}
-
-function writeCodes() {
-    forms().forEach(writeCode);
-}
-
-function valueOf(name, control) {
-    if (name === "cuts")
-        return control.value.split(",").map(Number);
-    if (control.type === "checkbox")
-        return control.checked;
-    return control.type === "number" ? Number(control.value) : control.value;
-}
-
-/// Calls the operation that stands in the form's line with the values that stand there.
-function apply(form) {
-    const { code } = form.dataset;
-    const operation = (/show\.(\w+)\(/.exec(code) ?? ["", "Rotation"])[1];
-    const given = wordsOf(code).filter(word => word in controls || word === "other");
-    if (given.includes("other") && $("other").ariaInvalid === "true")
-        throw Error("The second animation needs to be mended first.");
-    const values = given.map(word =>
-        word === "other" ? other : valueOf(word, form.elements.namedItem(word)));
-    try {
-        checked(show[operation](...values));
-        setText(checked(show.text()));
-        say(show.measures(), form);
-    } catch (error) {
-        readText(); // what the text says is what there is
-        throw error;
+/// Gives the fields what was typed into them, and to the others what they have by themselves.
+function fill() {
+    for (const key of controlsOf(chosen)) {
+        const { choices, value = "10" } = controls[key], field = fieldOf(key);
+        if (choices && choices.join() !== [...field.options].map(({ text }) => text).join())
+            field.replaceChildren(...choices.map(choice => new Option(choice, choice)));
+        const filled = choices && !choices.includes(typed[key]) ? value : typed[key] ?? value;
+        if (field.type === "checkbox")
+            field.checked = filled;
+        else if (field.value !== filled)
+            field.value = filled; // where it is the same, the field can still undo what was typed
     }
+    writeCode();
+}
+
+/// What stands in a control; throws where it stands for nothing.
+function valueOf(key) {
+    const { kind, name = key } = controls[key], field = fieldOf(key);
+    return kinds[kind](field.type === "checkbox" ? field.checked : field.value, name);
+}
+
+/// The line with the values of the controls; their names stay where they have none.
+function line() {
+    return all[chosen].cpp.replace(/\w+/g, word => {
+        if (!(word in controls))
+            return word;
+        try {
+            return valueOf(word).cpp;
+        } catch {
+            return controls[word].name ?? word;
+        }
+    });
+}
+
+function writeCode() {
+    $("code").textContent = line();
+    for (const key of controlsOf(chosen)) {
+        let valid = true;
+        try {
+            valueOf(key);
+        } catch {
+            valid = false;
+        }
+        fieldOf(key).setAttribute("aria-invalid", !valid);
+    }
+}
+
+/// Calls the chosen operation with the values that stand in its line.
+function apply() {
+    const words = wordsOf(all[chosen].cpp);
+    if (words.includes("other") && $("other").ariaInvalid === "true")
+        throw Error("The second animation needs to be mended first.");
+    const given = words.filter(word => word in controls || word === "other").map(word =>
+        word === "other" ? other : valueOf(word).value);
+    const next = read($("text").value);
+    try {
+        checked(next[chosen](...given));
+        const state = { text: checked(next.text()), title: $("title").value };
+        write(state);
+        remember(state);
+    } finally {
+        next.delete();
+    }
+    readText();
+    say(show.measures(), $("result"));
 }
 
 // ---- Save, open, share
@@ -341,11 +546,13 @@ async function copyText(text, done, place) {
         await navigator.clipboard.writeText(text);
         say(done, place);
     } catch {
-        say(`This browser does not let a page copy: ${text}`, place);
+        say("This browser does not let a page copy: select the text instead.", place);
     }
 }
 
-async function open(file) {
+async function openFile(file) {
+    if (file.size > mostText)
+        return say(`${file.name} has ${file.size} bytes: more than this page edits, ${mostText}.`);
     const text = await file.text();
     tell("mistake", () => {
         if (!text.startsWith("OLA Show"))
@@ -364,84 +571,136 @@ async function through(stream, bytes) {
     return new Uint8Array(await new Response(result).arrayBuffer());
 }
 
-/// Puts the animation into the address; whether there is room for it.
-async function writeAddress() {
-    const text = $("text").value, title = $("title").value;
+async function pack(text) {
     const bytes = await through(new CompressionStream("deflate-raw"), text);
     const packed = btoa(Array.from(bytes, byte => String.fromCharCode(byte)).join(""));
-    if (text !== $("text").value)
+    return packed.replaceAll("+", "-").replaceAll("/", "_").replaceAll("=", "");
+}
+
+async function unpack(packed) {
+    const bytes = atob(packed.replaceAll("-", "+").replaceAll("_", "/"));
+    const text = new TextDecoder().decode(await through(new DecompressionStream("deflate-raw"),
+        Uint8Array.from(bytes, byte => byte.charCodeAt(0))));
+    if (text.length > mostText)
+        throw Error("too long");
+    return text;
+}
+
+function addressLater() {
+    clearTimeout(addressLater.later);
+    addressLater.later = setTimeout(writeAddress, 300);
+}
+
+/// Puts the animations and the operation with what was typed for it into the address; whether there
+/// is room.
+async function writeAddress() {
+    clearTimeout(addressLater.later);
+    const text = $("text").value, second = $("other").value;
+    const given = { operation: chosen };
+    for (const key of controlsOf(chosen))
+        if (key in typed)
+            given[controls[key].name ?? key] = typed[key];
+    if (second !== firstOther)
+        given.other = await pack(second);
+    Object.assign(given, { title: $("title").value, animation: await pack(text) });
+    if (text !== $("text").value || second !== $("other").value)
         return false;
-    const fits = packed.length <= mostInAddress;
-    const animation = packed.replaceAll("+", "-").replaceAll("/", "_").replaceAll("=", "");
-    window.history.replaceState(null, "",
-        fits ? "#" + new URLSearchParams({ title, animation }) : location.pathname);
+    const address = "#" + new URLSearchParams(given);
+    const fits = address.length <= mostInAddress;
+    history.replaceState(null, "", fits ? address : location.pathname);
     return fits;
 }
 
 async function share() {
-    const place = $("share").parentNode;
     if (await writeAddress())
-        await copyText(location.href, "The link is copied; it holds the animation show.", place);
+        await copyText(location.href, "The link is copied; it holds both animations.");
     else
-        say("The animation is too long for a link: save it instead.", place);
+        say("The animations are too long for a link: save them instead.");
 }
 
 async function readAddress() {
     const given = new URLSearchParams(location.hash.slice(1));
-    const packed = given.get("animation");
-    if (packed === null)
-        return openExample(given.get("example") ?? "guide-1");
-    try {
-        const bytes = atob(packed.replaceAll("-", "+").replaceAll("_", "/"));
-        const text = await through(new DecompressionStream("deflate-raw"),
-            Uint8Array.from(bytes, byte => byte.charCodeAt(0)));
-        setText(new TextDecoder().decode(text), given.get("title") ?? "");
-    } catch {
-        await openExample("guide-1");
-        say("The link is not whole; this is an example.", $("share").parentNode);
+    const operation = given.get("operation");
+    if (operation in all) {
+        for (const key of controlsOf(operation)) {
+            const value = given.get(controls[key].name ?? key);
+            if (value !== null)
+                typed[key] = controls[key].kind === "flag" ? value === "true" : value;
+        }
+        choose(operation);
     }
+    const broken = [];
+    const unpacked = async name => {
+        try {
+            return given.has(name) ? await unpack(given.get(name)) : undefined;
+        } catch {
+            broken.push(name);
+        }
+    };
+    const text = await unpacked("animation"), second = await unpacked("other");
+    if (second !== undefined) {
+        $("other").value = second;
+        readOther();
+    }
+    if (text !== undefined)
+        setText(text, given.get("title") ?? "");
+    else if (given.has("example") || broken.length > 0 || now < 0)
+        await openExample(given.get("example") ?? "demo");
+    if (operation !== null && !(operation in all))
+        say(`There is no operation ${operation} here.`, $("result"));
+    if (broken.length > 0)
+        say(`The link is not whole: ${broken.join(" and ")} cannot be read.`, $("result"));
 }
 
 async function openExample(name) {
     const option = [...$("example").options].find(({ value }) => value && value === name);
-    if (!option)
-        return openExample("guide-1");
-    const answer = await fetch(`examples/${name}.json`);
-    setText((await answer.text()).trimEnd(), option.text);
-    $("example").value = name;
+    const title = option?.text ?? name;
+    try {
+        const answer = option ? await fetch(`examples/${name}.json`) : { ok: false };
+        if (!answer.ok)
+            throw Error(`the site has no example ${name}`);
+        setText((await answer.text()).trimEnd(), title);
+        $("example").value = name;
+    } catch (error) {
+        if (now < 0)
+            setText('{ "layers": {} }', "");
+        say(`The example "${title}" did not load: ${error.message}.`, $("result"));
+    }
 }
 
 // ---- What happens when
 
-async function start() {
-    $("operations").append(...Object.entries(operations).map(([group, lines]) =>
-        element("section", {}, element("h3", {}, group),
-            ...Object.entries(lines).map(([label, code]) => makeForm(group, label, code)))));
-    library = await animationmodel();
-    readOther();
-    await readAddress();
-    play(!matchMedia("(prefers-reduced-motion: reduce)").matches);
+/// Whether undo and redo are for the field that has the focus, and not for the animation.
+const undoesItself = target => target !== $("text") && target !== $("title") &&
+    target.matches("textarea, input:not([type=checkbox]):not([type=range])");
 
-    for (const id of ["text", "title"])
-        $(id).oninput = () => {
-            remember(true);
-            readText();
-        };
+function listen() {
+    $("text").oninput = $("title").oninput = typedText;
     $("other").oninput = readOther;
     $("example").onchange = event => event.target.value && openExample(event.target.value);
+    $("choice").onchange = event => {
+        choose(event.target.value);
+        addressLater();
+    };
+    $("operation").onsubmit = event => {
+        event.preventDefault();
+        $("told").textContent = "";
+        tell("refusal", apply);
+    };
+    $("copy").onclick = () => copyText($("code").textContent, "Copied.", $("result"));
     $("undo").onclick = () => travel(-1);
     $("redo").onclick = () => travel(1);
     document.onkeydown = event => {
         const key = (event.ctrlKey || event.metaKey) && event.key.toLowerCase();
-        if (!["z", "y"].includes(key) || event.target === $("other"))
+        if (!["z", "y"].includes(key) || undoesItself(event.target))
             return;
         event.preventDefault();
         travel(key === "y" || event.shiftKey ? 1 : -1);
     };
-    $("open").onchange = event => event.target.files[0] && open(event.target.files[0]);
+    $("open").onchange = event => event.target.files[0] && openFile(event.target.files[0]);
     $("save").onclick = () => save($("text").value, "application/json", ".json");
-    $("save-picture").onclick = () =>
-        save(library.picture($("title").value, show), "image/svg+xml", ".svg");
+    $("save-picture").onclick = () => tell("mistake", () =>
+        save(checked(library.picture($("title").value, show)), "image/svg+xml", ".svg"));
     $("share").onclick = share;
     $("play").onclick = () => playing ? pick(Number($("frame").value)) : play(true);
     $("frame").oninput = event => pick(Number(event.target.value));
@@ -454,6 +713,35 @@ async function start() {
         DoxygenAwesomeDarkModeToggle.userPreference = !DoxygenAwesomeDarkModeToggle.userPreference;
     };
     window.onhashchange = readAddress;
+}
+
+/// A list beside the form where there is room for one, and one that opens elsewhere.
+function showChoice() {
+    const wide = matchMedia("(min-width: 1000px)");
+    const count = Object.keys(all).length + Object.keys(operations).length;
+    wide.onchange = () => $("choice").size = wide.matches ? count : 1;
+    wide.onchange();
+    $("choice").append(...Object.entries(operations).map(([label, group]) =>
+        element("optgroup", { label }, ...Object.entries(group).map(([value, { label }]) =>
+            new Option(label, value)))));
+}
+
+async function start() {
+    try {
+        library = await (await import("./animationmodel.js")).default();
+    } catch (error) {
+        $("missing").textContent = "The module that edits animations did not load " +
+            `(${error.message}). It needs the network, and a browser with WebAssembly.`;
+        return;
+    }
+    $("missing").hidden = true;
+    controls.keys.choices = [];
+    showChoice();
+    choose(chosen);
+    readOther();
+    await readAddress();
+    listen();
+    play(!matchMedia("(prefers-reduced-motion: reduce)").matches);
     document.body.dataset.ready = "";
 }
 
