@@ -13,12 +13,16 @@
 #include <emscripten/bind.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <exception>
 #include <iterator>
+#include <limits>
 #include <new>
 #include <set>
 #include <sstream>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 using namespace Kiv;
@@ -29,6 +33,9 @@ namespace {
 /// So many keys can be edited as text. An operation that gives more is refused beforehand where it
 /// may ask for any number of them, and afterwards elsewhere.
 constexpr std::size_t mostKeys = 20000;
+
+/// So many values are compared to tell which frames an edit changed.
+constexpr std::uint64_t mostCompared = 4000000;
 
 std::size_t keys_of(const Animation& animation) {
     return count_keys(animation.layers);
@@ -216,6 +223,107 @@ val values(const Animation& show, unsigned int frame, unsigned int most) {
     return result;
 }
 
+/// The values of a layer on all its frames.
+std::vector<float> values_of(const KeyVector& layer) {
+    const LayerMap layers{{"", layer}};
+    std::vector<float> values(full_duration(layers));
+    sample(layers, 0, static_cast<unsigned int>(values.size()), values.data());
+    return values;
+}
+
+/// A layer before and after an edit: its frames from `start` on differ, up to the last `follow`.
+struct Change {
+    unsigned int lane;
+    std::vector<float> is;
+    std::vector<float> was;
+    float tolerance = 0; ///< What cuts may change by rounding.
+    std::ptrdiff_t start = 0;
+    std::ptrdiff_t follow = 0;
+
+    std::ptrdiff_t most() const {
+        return static_cast<std::ptrdiff_t>(std::min(is.size(), was.size()));
+    }
+    std::ptrdiff_t growth() const {
+        return static_cast<std::ptrdiff_t>(is.size()) - static_cast<std::ptrdiff_t>(was.size());
+    }
+    std::ptrdiff_t came() const { return static_cast<std::ptrdiff_t>(is.size()) - start - follow; }
+    bool alike(float a, float b) const {
+        return a == b || (std::isnan(a) && std::isnan(b)) || std::abs(a - b) <= tolerance;
+    }
+    template <class Place>
+    Place mismatch(Place begin, Place end, Place other) const {
+        const auto same = [this](float a, float b) { return alike(a, b); };
+        return std::mismatch(begin, end, other, same).first;
+    }
+    void find_start() {
+        for (const auto* values : {&is, &was})
+            for (const float value : *values)
+                if (std::isfinite(value))
+                    tolerance = std::max(tolerance, std::abs(value) * 1e-5F);
+        start = mismatch(is.cbegin(), is.cbegin() + most(), was.cbegin()) - is.cbegin();
+    }
+    void find_follow() {
+        const auto end = is.crbegin() + (most() - start);
+        follow = mismatch(is.crbegin(), end, was.crbegin()) - is.crbegin();
+    }
+};
+
+/// Layers that an edit makes longer or shorter by the same are taken to change on the same frames:
+/// where values repeat, each by itself might be cut at another place.
+void align(std::vector<Change>& changes) {
+    const std::ptrdiff_t growth = changes.empty() ? 0 : changes[0].growth();
+    const bool together = growth != 0 && std::all_of(changes.begin(), changes.end(), [&](auto& it) {
+                              return it.growth() == growth;
+                          });
+    const auto least = [&](std::ptrdiff_t Change::*place) {
+        std::ptrdiff_t result = std::numeric_limits<std::ptrdiff_t>::max();
+        for (const Change& change : changes)
+            result = std::min(result, change.*place);
+        for (Change& change : changes)
+            change.*place = result;
+    };
+    if (together)
+        least(&Change::start);
+    for (Change& change : changes)
+        change.find_follow();
+    if (together)
+        least(&Change::follow);
+}
+
+/// Which frames an edit changed, for each layer in which it did: `lane`, its place among the
+/// layers; `start`, the first frame that differs; how many came there, how many went, and how many
+/// follow them. Nothing where that is too much to compare.
+val changes(const Animation& show, const Animation& before) {
+    return result_of([&] {
+        val result = val::array();
+        const auto longest = std::max(full_duration(show.layers), full_duration(before.layers));
+        if (longest * std::max<std::size_t>(1, show.layers.size()) > mostCompared)
+            return result;
+        std::vector<Change> found;
+        unsigned int lane = 0;
+        for (const auto& [name, layer] : show.layers) {
+            const auto old = before.layers.find(name);
+            Change change{lane++, values_of(layer),
+                          old == before.layers.end() ? std::vector<float>()
+                                                     : values_of(old->second)};
+            change.find_start();
+            if (change.start < change.most() || change.growth() != 0)
+                found.push_back(std::move(change));
+        }
+        align(found);
+        for (const Change& change : found) {
+            val told = val::object();
+            told.set("lane", change.lane);
+            told.set("start", static_cast<double>(change.start));
+            told.set("came", static_cast<double>(change.came()));
+            told.set("went", static_cast<double>(change.came() - change.growth()));
+            told.set("follow", static_cast<double>(change.follow));
+            result.call<void>("push", told);
+        }
+        return result;
+    });
+}
+
 } // namespace
 
 EMSCRIPTEN_BINDINGS(page) {
@@ -246,6 +354,7 @@ EMSCRIPTEN_BINDINGS(page) {
         .function("measures", &measures)
         .function("names", &names)
         .function("values", &values)
+        .function("changes", &changes)
         .function("text", &write);
     emscripten::function("read", &read);
     emscripten::function("recorded", &recorded);

@@ -118,6 +118,18 @@ const mostLanes = 200; // layers that are drawn
 const mostReplaced = 4000; // elements of a picture; more are drawn anew with all others
 const mostListed = 512; // layers, in lists of names and of values
 const mostText = 2e6, mostInAddress = 50000, mostRemembered = 3e7; // characters
+const markedFor = 2500; // milliseconds
+const pictureStyle = `
+    :host { display: block; position: relative; }
+    svg { display: block; width: 100%; height: auto; }
+    .marks { position: absolute; inset: 0; pointer-events: none; stroke-width: 2; fill: none; }
+    .came { fill: #3fb95066; stroke: #3fb950; }
+    .went { fill: #ff7b72; }
+    .moved { stroke: #58a6ff; stroke-dasharray: 6 3; }
+    @media not (prefers-reduced-motion: reduce) {
+        .marks { animation: fade ${markedFor}ms forwards; }
+        @keyframes fade { 70% { opacity: 1; } to { opacity: 0; } }
+    }`;
 
 const $ = id => document.getElementById(id);
 const firstOther = $("other").value;
@@ -180,7 +192,7 @@ function travel(steps) {
     now += steps;
     typedAt = 0;
     write(states[now]);
-    readText();
+    readText(true);
 }
 
 /// Another animation, which no edit led to.
@@ -201,7 +213,8 @@ function read(text) {
     return checked(library.read(text));
 }
 
-function readText() {
+/// Shows what the text says, and marks what became of the frames before if that is asked for.
+function readText(marked) {
     $("told").textContent = $("refusal").textContent = "";
     $("example").value = "";
     $("undo").disabled = now <= 0;
@@ -213,9 +226,11 @@ function readText() {
     $("mend").hidden = Boolean(next);
     if (!next)
         return;
-    show?.delete();
+    const before = show;
     show = next;
     draw();
+    mark(marked && before ? checked(show.changes(before)) : []);
+    before?.delete();
     addressLater();
 }
 
@@ -245,7 +260,7 @@ function redraw(text) {
             previous.nextElementSibling.remove();
         previous.after(fresh);
     } else {
-        root.innerHTML = "<style>svg { display: block; width: 100%; height: auto; }</style>" + text;
+        root.innerHTML = `<style>${pictureStyle}</style>` + text;
         drawn = root.querySelector("svg");
         drawn?.pauseAnimations();
     }
@@ -270,6 +285,44 @@ function draw() {
     $("frame").max = Math.max(0, Math.min(show.frames(), 2 ** 32) - 1);
     play(playing);
     goTo(position);
+}
+
+/// Marks what came and went in the layers, and what moved, for a while.
+function mark(changes) {
+    const root = $("picture").shadowRoot;
+    root?.querySelector(".marks")?.remove();
+    clearTimeout(mark.later);
+    const moved = ({ came, went, follow }) => came === went ? 0 : follow;
+    const counts = {
+        came: changes.map(({ came }) => came), went: changes.map(({ went }) => went),
+        moved: changes.map(moved),
+    };
+    $("legend").replaceChildren(...Object.entries(counts).flatMap(([what, counts]) => {
+        const [count, ...others] = new Set(counts.filter(count => count > 0));
+        const text = others.length > 0 ? "some frames" : count === 1 ? "1 frame" : `${count} frames`;
+        return count === undefined ? [] :
+            [element("span", { className: what }, `${text} ${what}`)];
+    }));
+    if (changes.length === 0 || !drawn)
+        return;
+    const { left, right, top, lane } = places();
+    const x = frame => left + (right - left) * frame / show.frames();
+    const rect = (what, change, from, to) => `<rect class="${what}" x="${x(from)}" ` +
+        `y="${top + lane * change.lane}" width="${Math.max(3, x(to) - x(from))}" ` +
+        `height="${lane - 4}"/>`;
+    const marks = new DOMParser().parseFromString(
+        `<svg xmlns="http://www.w3.org/2000/svg" class="marks" ` +
+        `viewBox="${drawn.getAttribute("viewBox")}">` + changes.map(change => {
+            const { start, came, went, follow } = change, end = start + came;
+            return (came > 0 ? rect("came", change, start, end) : "") +
+                (moved(change) > 0 ? rect("moved", change, end, end + follow) : "") +
+                (went > 0 ? rect("went", change, end, end) : "");
+        }).join("") + "</svg>", "image/svg+xml").documentElement;
+    root.append(marks);
+    mark.later = setTimeout(() => {
+        marks.remove();
+        $("legend").replaceChildren();
+    }, markedFor);
 }
 
 function readOther() {
@@ -528,7 +581,7 @@ function apply() {
     } finally {
         next.delete();
     }
-    readText();
+    readText(true);
     say(show.measures(), $("result"));
 }
 

@@ -82,7 +82,7 @@ return result;
 """
 HELPERS = """
 const $ = id => document.getElementById(id);
-const drawn = () => $("picture").shadowRoot.querySelector("svg");
+const drawn = () => $("picture").shadowRoot.querySelector("svg:not(.marks)");
 const plain = svg => svg?.outerHTML.replaceAll("\\n", "");
 const picture = () => plain(drawn());
 const set = (id, text) => {
@@ -364,6 +364,25 @@ def test_addresses(page):
     print(f"{len(FIELDS)} addresses of operations opened")
 
 
+def test_marks(page):
+    """What an edit did is marked, and undoing it as well."""
+    page.open("index.html")
+    page.title_and_text("Two", '{"layers": {"a": [["Transition", [0, 1], 10]],'
+                               '"b": [["Hold", [1], 10]], "c": [["Hold", [2], 3]]}}')
+    seen = ("return [$('legend').textContent, ...['came', 'went', 'moved'].map(what =>"
+            "$('picture').shadowRoot.querySelectorAll('.marks .' + what).length)]")
+    legend = page.run(FILL + "form.requestSubmit();" + seen, "remove", {"start": 3, "count": 2})
+    expect(legend == ["2 frames went5 frames moved", 0, 2, 2],
+           f"removing is marked as {legend}")
+    legend = page.run("$('undo').click();" + seen)
+    expect(legend == ["2 frames came5 frames moved", 2, 0, 2],
+           f"undoing is marked as {legend}")
+    page.wait(lambda: page.run(seen) == ["", 0, 0, 0])
+    page.open("index.html#example=demo") # whose Transitions are rounded where they are cut
+    legend = page.run(FILL + "form.requestSubmit();" + seen, "remove", {"start": 10, "count": 2})
+    expect(legend == ["2 frames went103 frames moved", 0, 8, 8], f"a cut is marked as {legend}")
+
+
 def test_mistakes(page):
     page.open("index.html#example=guide-1")
     drawn, text = page.run("return [picture(), $('text').value]")
@@ -619,6 +638,7 @@ def main():
         test_refused_fields(page)
         test_greatest(page)
         test_addresses(page)
+        test_marks(page)
         test_mistakes(page)
         test_link(page)
         test_playing(page)
