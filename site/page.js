@@ -101,6 +101,17 @@ const operations = {
         },
     },
 };
+// The lines of Python that are other than by their names.
+const pythonLines = {
+    setFPSToFitDurationInSeconds: "show.set_fps_to_fit_duration_in_seconds(seconds)",
+    change_frame_rate: "show.change_frame_rate(fps)",
+    stretch_to: "show.stretch_to(frames)",
+    splitAt: "show = show.split_at([cuts], keepIntro, keepOutro)[piece]",
+    splitEach: "show = show.split_each(step, keepIntro, keepOutro)[piece]",
+    introBodyOutroLayers: "intro, body, outro = show.intro_body_outro_layers(); " +
+        "show = Animation(part)",
+    Rotation: "show = Rotation(pulseValue, restValue, riseDuration, fallDuration, stepDuration)",
+};
 const frames = value => ({ kind: "frames", value });
 const float = value => ({ kind: "float", value });
 const flag = { kind: "flag", value: false };
@@ -168,6 +179,7 @@ function element(tag, properties, ...children) {
 
 // ---- The texts, and what is drawn of them
 
+// Each state has the text and the title, and how the text came about: the edits since `origin`.
 const states = [];
 let now = -1, typedAt = 0;
 
@@ -197,13 +209,20 @@ function travel(steps) {
 
 /// Another animation, which no edit led to.
 function setText(text, title) {
-    write({ text, title });
-    remember({ text, title });
+    const state = { text, title, origin: text, edits: [] };
+    write(state);
+    remember(state);
     readText();
 }
 
+/// What was typed is an animation of its own, unless only the title was.
 function typedText() {
-    remember({ text: $("text").value, title: $("title").value, typed: true });
+    const text = $("text").value, before = states[now];
+    const kept = before?.text === text;
+    remember({
+        text, title: $("title").value, typed: true,
+        origin: kept ? before.origin : text, edits: kept ? before.edits : [],
+    });
     readText();
 }
 
@@ -221,7 +240,7 @@ function readText(marked) {
     $("redo").disabled = now >= states.length - 1;
     const next = tell("mistake", () => read($("text").value));
     $("text").setAttribute("aria-invalid", !next);
-    for (const id of ["fields", "save-picture"])
+    for (const id of ["fields", "save-picture", "cpp", "python"])
         $(id).disabled = !next;
     $("mend").hidden = Boolean(next);
     if (!next)
@@ -408,20 +427,33 @@ function frameAt(event) {
     return Math.max(0, Math.min(frame, $("frame").max));
 }
 
-// ---- Values, as C++ has them
+// ---- Values, as C++ and Python have them
+
+const quoted = text => JSON.stringify(text);
 
 const cppText = text => {
     const bytes = new TextEncoder().encode(text).length;
-    const inside = JSON.stringify(text).replace(/\\u00(..)/g, (_, digits) =>
+    const inside = quoted(text).replace(/\\u00(..)/g, (_, digits) =>
         "\\" + parseInt(digits, 16).toString(8).padStart(3, "0"));
     return text.includes("\0") ? `std::string(${inside}, ${bytes})` : inside;
 };
 
+/// Floats that JSON has as numbers of few digits, or as "nan", "inf" and "-inf".
 function cppFloat(value) {
-    const text = Object.is(value, -0) ? "-0.0" : String(value);
+    if (typeof value === "string") {
+        const limit = value === "nan" ? "quiet_NaN" : "infinity";
+        return `${value[0] === "-" ? "-" : ""}std::numeric_limits<float>::${limit}()`;
+    }
+    const text = pythonFloat(value);
     if (Number.isInteger(value) && Math.abs(value) < 2 ** 24 && text !== "-0.0")
         return text;
     return text + (/[.e]/.test(text) ? "F" : ".0F");
+}
+
+function pythonFloat(value) {
+    if (typeof value === "string")
+        return `float("${value}")`;
+    return Object.is(value, -0) ? "-0.0" : String(value);
 }
 
 function wholeOf(text, what) {
@@ -442,31 +474,32 @@ function floatOf(text, what) {
     return Number(value.toPrecision(digits));
 }
 
-/// What the text of a field stands for: the value that is passed on, and how it is written in C++.
+/// What the text of a field stands for: the value that is passed on, and how it is written in C++
+/// and in Python.
 const kinds = {
     frames: (text, what) => {
         const value = wholeOf(text, what);
-        return { value, cpp: String(value) };
+        return { value, cpp: String(value), python: String(value) };
     },
     float: (text, what) => {
         const value = floatOf(text, what);
-        return { value, cpp: cppFloat(value) };
+        return { value, cpp: cppFloat(value), python: pythonFloat(value) };
     },
     cuts: (text, what) => {
         const value = text.trim() === "" ? [] : text.split(",").map(cut => wholeOf(cut, what));
-        return { value, cpp: value.join(", ") };
+        return { value, cpp: value.join(", "), python: value.join(", ") };
     },
-    flag: value => ({ value, cpp: String(value) }),
+    flag: value => ({ value, cpp: String(value), python: value ? "True" : "False" }),
     layer: text => {
         const value = text.replace(/\p{Surrogate}/gu, "\ufffd");
-        return { value, cpp: cppText(value) };
+        return { value, cpp: cppText(value), python: quoted(value) };
     },
     choice: text => {
         if (controls.keys.choices.length === 0)
             throw Error("The second animation has no layer.");
         return kinds.layer(text);
     },
-    part: value => ({ value, cpp: value }),
+    part: value => ({ value, cpp: value, python: value }),
 };
 
 // ---- Operations
@@ -478,6 +511,9 @@ let chosen = "loop";
 const wordsOf = code => code.match(/\w+/g);
 const controlsOf = operation => wordsOf(all[operation].cpp).filter(word => word in controls);
 const fieldOf = name => $("operation").elements.namedItem(controls[name].name ?? name);
+const snakeCase = word => word.replace(/[A-Z]/g, sign => "_" + sign.toLowerCase());
+const pythonOf = operation => pythonLines[operation] ?? all[operation].cpp.slice(0, -1).replace(
+    /\w+/g, word => word in controls ? word : snakeCase(word));
 
 function makeField(key) {
     const { kind, name = key, choices } = controls[key];
@@ -540,12 +576,12 @@ function valueOf(key) {
 }
 
 /// The line with the values of the controls; their names stay where they have none.
-function line() {
-    return all[chosen].cpp.replace(/\w+/g, word => {
+function lineOf(code, language) {
+    return code.replace(/\w+/g, word => {
         if (!(word in controls))
             return word;
         try {
-            return valueOf(word).cpp;
+            return valueOf(word)[language];
         } catch {
             return controls[word].name ?? word;
         }
@@ -553,7 +589,7 @@ function line() {
 }
 
 function writeCode() {
-    $("code").textContent = line();
+    $("code").textContent = lineOf(all[chosen].cpp, "cpp");
     for (const key of controlsOf(chosen)) {
         let valid = true;
         try {
@@ -572,10 +608,15 @@ function apply() {
         throw Error("The second animation needs to be mended first.");
     const given = words.filter(word => word in controls || word === "other").map(word =>
         word === "other" ? other : valueOf(word).value);
+    const edit = {
+        cpp: lineOf(all[chosen].cpp, "cpp"), python: lineOf(pythonOf(chosen), "python"),
+        other: words.includes("other") ? checked(other.text()) : undefined,
+    };
     const next = read($("text").value);
     try {
         checked(next[chosen](...given));
-        const state = { text: checked(next.text()), title: $("title").value };
+        const text = checked(next.text()), { origin, edits } = states[now];
+        const state = { text, title: $("title").value, origin, edits: [...edits, edit] };
         write(state);
         remember(state);
     } finally {
@@ -583,6 +624,90 @@ function apply() {
     }
     readText(true);
     say(show.measures(), $("result"));
+}
+
+// ---- Programs
+
+/// Lines that build an animation, which is written in JSON, key by key.
+const builders = {
+    cpp: (name, { layers, introSize, outroSize, fps }) => [
+        ...Object.entries(layers).flatMap(([layer, keys]) => keys.length === 0 ?
+            [`${name}.pushBackInLayer(${cppText(layer)}, {});`] :
+            keys.map(([effect, args, duration]) => `${name}.pushBackInLayer(${cppText(layer)}, ` +
+                (typeof effect === "string" ? effect :
+                    `static_cast<AnimationKeyCommandEffect>(${effect})`) +
+                `, {${args.map(cppFloat).join(", ")}}, ${duration});`)),
+        ...(introSize > 0 ? [`${name}.introSize = ${introSize};`] : []),
+        ...(outroSize > 0 ? [`${name}.outroSize = ${outroSize};`] : []),
+        ...(fps !== 25 ? [`${name}.fps = ${cppFloat(fps)};`] : []),
+    ],
+    python: (name, { layers, introSize, outroSize, fps }) => [
+        ...Object.entries(layers).flatMap(([layer, keys]) => keys.length === 0 ?
+            [`${name}.push_back_in_layer(${quoted(layer)}, [])`] :
+            keys.map(([effect, args, duration]) =>
+                `${name}.push_back_in_layer(${quoted(layer)}, Key(${effect}, ` +
+                `[${args.map(pythonFloat).join(", ")}], ${duration}))`)),
+        ...(introSize > 0 ? [`${name}.intro_size = ${introSize}`] : []),
+        ...(outroSize > 0 ? [`${name}.outro_size = ${outroSize}`] : []),
+        ...(fps !== 25 ? [`${name}.fps = ${pythonFloat(fps)}`] : []),
+    ],
+};
+
+/// The lines of a program that builds what the page shows: the animation that was opened or typed,
+/// and each edit since then.
+function linesOf(language) {
+    const { origin, edits } = states[now], build = builders[language];
+    const animation = read(origin);
+    const lines = build("show", JSON.parse(checked(animation.text())));
+    animation.delete();
+    const made = name => language === "cpp" ? `Animation ${name};` : `${name} = Animation()`;
+    lines.unshift(made("show"));
+    let given;
+    for (const edit of edits) {
+        if (edit.other !== undefined && edit.other !== given) {
+            const anew = given === undefined ? made("other") :
+                language === "cpp" ? "other.reset();" : "other.reset()";
+            lines.push(anew, ...build("other", JSON.parse(edit.other)));
+            given = edit.other;
+        }
+        const line = edit[language];
+        lines.push(language === "cpp" && line.startsWith("LayerMap") ? `{ ${line} }` : line);
+    }
+    return lines;
+}
+
+const programs = {
+    cpp: () => {
+        const lines = linesOf("cpp"), has = text => lines.some(line => line.includes(text));
+        return [
+            "#include <animationmodel/Animation.h>",
+            ...(has("Rotation(") ? ["#include <animationmodel/Rotation.h>"] : []),
+            ...(has("change_frame_rate(") || has("stretch_to(") ?
+                ["#include <animationmodel/retime.h>"] : []),
+            "", "#include <iostream>", ...(has("std::numeric_limits") ? ["#include <limits>"] : []),
+            "", "int main() {", "    using namespace Kiv;", "",
+            ...lines.map(line => "    " + line), "", "    std::cout << show << '\\n';", "}", "",
+        ].join("\n");
+    },
+    python: () => {
+        const lines = linesOf("python"), has = text => lines.some(line => line.includes(text));
+        const names = ["Animation", "Hold", "Key", "NoValue", "Rotation", "Transition", "Wait"];
+        return [
+            `from animationmodel import ${names.filter(has).join(", ")}`, "",
+            ...lines, "", "print(show.to_json())", "",
+        ].join("\n");
+    },
+};
+
+function showProgram(language) {
+    tell("mistake", () => {
+        $("program-text").value = programs[language]();
+        $("program-heading").textContent = language === "cpp" ? "As a program in C++" :
+            "As a program in Python";
+        $("program").showModal();
+        $("program-text").setSelectionRange(0, 0); // whose place the browser scrolls to
+        $("program-text").scrollTop = 0;
+    });
 }
 
 // ---- Save, open, share
@@ -755,6 +880,10 @@ function listen() {
     $("save-picture").onclick = () => tell("mistake", () =>
         save(checked(library.picture($("title").value, show)), "image/svg+xml", ".svg"));
     $("share").onclick = share;
+    $("cpp").onclick = () => showProgram("cpp");
+    $("python").onclick = () => showProgram("python");
+    $("copy-program").onclick = () =>
+        copyText($("program-text").value, "Copied.", $("program-tools"));
     $("play").onclick = () => playing ? pick(Number($("frame").value)) : play(true);
     $("frame").oninput = event => pick(Number(event.target.value));
     $("picture").onpointerdown = $("picture").onpointermove = event => {

@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """page.py SITE BUILD: uses the page of a built site in Chromium, as people do, and compares what it
-shows with what the library built in BUILD gives: a program is made of the lines of C++ that the page
-shows, and its JSON and pictures have to be the same, byte for byte."""
+shows with what the library built in BUILD gives: programs are made of the lines of C++ and Python
+that the page shows, and their JSON and pictures have to be the same, byte for byte."""
 
 import functools
 import http.server
@@ -29,6 +29,9 @@ UNEQUAL = """{"fps": 30, "introSize": 5, "outroSize": 7, "layers": {
     "status \\u00fc<&\\"": [["Hold", [2], 4]], "empty": []}}"""
 OTHER = """{"introSize": 2, "outroSize": 1, "layers": {
     "bell": [["Wait", [], 2], ["Hold", [1], 3]], "light": [["Transition", [1, 0.2], 8]]}}"""
+ODD = """{"fps": "nan", "introSize": 1, "layers": {"a\\u0000\\"\\\\?\\n": [["Hold", ["-inf"], 3],
+    ["Hold", ["nan"], 2], [7, [], 4], ["Transition", [-0.0, 123456789], 1], ["Wait", [], 2]],
+    "none": [], "tiny": [["Hold", [1e-45], 1], ["Transition", [3e38, 16777217], 4]]}}"""
 RECORDING = "OLA Show\n1 0,255\n500\n1 80,255\n20\n2 7\n40\n"
 
 # The parameters of each operation by their names in C++. Pieces and parts are numbers and words of
@@ -99,6 +102,8 @@ PROGRAM = r"""
 #include <animationmodel/Rotation.h>
 #include <animationmodel/json.h>
 #include <fstream>
+#include <iostream>
+#include <limits>
 using namespace Kiv;
 using Line = void (*)(Animation& show, const Animation& other);
 const char* const texts[] = {%(texts)s};
@@ -117,6 +122,7 @@ nlohmann::json applied(const char* text, Line line) {
     }
     return shown(show);
 }
+%(programs)s
 int main(int, char** argv) {
     nlohmann::json all;
     std::istringstream recording(R"x(%(recording)s)x");
@@ -125,27 +131,34 @@ int main(int, char** argv) {
     all.back()["values"] = sample(show.layers, 0, show.durationInFrames());
     %(cases)s
     std::ofstream(argv[1]) << all;
+    %(calls)s
 }
 """
 
 
-def native(build, cases):
+def native(build, cases, programs=()):
     """What the library gives: first for a recording, then for each pair of the index of a text and
-    a line of C++."""
+    a line of C++. And what each program prints, in JSON."""
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         lines = "\n".join(f"all.push_back(applied(texts[{index}], "
                           f"[](Animation& show, const Animation& other) {{ {line} }}));"
                           for index, line in cases)
+        functions = "\n".join(
+            program.replace("int main()", f"void program{index}()")
+            .replace("std::cout << show << '\\n'", "std::cout << animation_to_json(show) << '\\0'")
+            for index, program in enumerate(programs))
+        calls = "".join(f"program{index}(); " for index in range(len(programs)))
         (folder / "page.cpp").write_text(PROGRAM % {
             "texts": ", ".join(f'R"x({text})x"' for text in TEXTS), "other": OTHER,
-            "recording": RECORDING, "cases": lines})
+            "recording": RECORDING, "cases": lines, "programs": functions, "calls": calls})
         subprocess.run(["g++", "-std=c++20", "-I", ROOT / "include", "-I", ROOT / "view",
                         "-I", ROOT / "lights", folder / "page.cpp", "-o", folder / "page",
                         build / "lights/liblights.a", build / "view/libview.a",
                         "-L", build, "-lanimationmodel", f"-Wl,-rpath,{build}"], check=True)
-        subprocess.run([folder / "page", folder / "out"], check=True)
-        return json.loads((folder / "out").read_text())
+        printed = subprocess.run([folder / "page", folder / "out"], check=True,
+                                 capture_output=True, text=True).stdout
+        return json.loads((folder / "out").read_text()), printed.split("\0")[:-1]
 
 
 TEXTS = [UNEQUAL, OTHER]
@@ -264,7 +277,7 @@ def test_operations(page, build):
             for _ in range(8 if FIELDS[operation] else 1):
                 results.append(page.run(APPLY, operation, values_for(operation, chance.choice)))
                 cases.append((index, results[-1]["code"]))
-    expected = native(build, cases)
+    expected, _ = native(build, cases)
     check_recording(page, expected[0])
     refused = 0
     for result, wanted, (_, line) in zip(results, expected[1:], cases, strict=True):
@@ -362,6 +375,41 @@ def test_addresses(page):
     page.open("index.html#operation=explode")
     expect("no operation explode" in page.find("told").text, "an unknown operation is not told")
     print(f"{len(FIELDS)} addresses of operations opened")
+
+
+def test_programs(page, build):
+    """Programs build what the page shows, after edits with two other animations."""
+    chance = random.Random(11)
+    programs, wanted = [], []
+    for text in [ODD, UNEQUAL, TEXTS[1]]:
+        page.open("index.html#example=guide-1")
+        page.title_and_text("Title", text)
+        for number, operation in enumerate(chance.sample(list(FIELDS) * 2, 16)):
+            page.run("set('other', arguments[0])", OTHER if number % 8 < 4 else UNEQUAL)
+            page.run(FILL + "form.requestSubmit()", operation,
+                     values_for(operation, chance.choice))
+        page.find("title").send_keys("!") # which is no edit
+        programs.append([])
+        for language in ["cpp", "python"]:
+            page.find(language).click()
+            programs[-1].append(page.run("return $('program-text').value"))
+            page.run("$('program').close()")
+        wanted.append(page.text())
+    _, printed = native(build, [], [cpp for cpp, _ in programs])
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name)
+        for index, (cpp, python) in enumerate(programs):
+            expect(printed[index] == wanted[index],
+                   f"this program gives\n{printed[index]}\nand not\n{wanted[index]}\n{cpp}")
+            (folder / "page.py").write_text(python)
+            got = subprocess.run([ROOT / "script/python", folder / "page.py"], check=True,
+                                 stdout=subprocess.PIPE, text=True).stdout
+            expect(got == wanted[index] + "\n",
+                   f"this program gives\n{got}\nand not\n{wanted[index]}\n{python}")
+        (folder / "alone.cpp").write_text(programs[1][0])
+        subprocess.run(["g++", "-std=c++17", "-Wall", "-Werror", "-fsyntax-only", "-I",
+                        ROOT / "include", folder / "alone.cpp"], check=True)
+    print(f"{len(programs)} programs in C++ and in Python build what is shown")
 
 
 def test_marks(page):
@@ -638,6 +686,7 @@ def main():
         test_refused_fields(page)
         test_greatest(page)
         test_addresses(page)
+        test_programs(page, build)
         test_marks(page)
         test_mistakes(page)
         test_link(page)
