@@ -20,6 +20,32 @@ void picture(const std::string& name, const std::string& title, const Animation&
     write_svg(file, title, animation);
 }
 
+/// What edits make of a layer, each in a layer of its own.
+Animation edits() {
+    const Animation fresh({{"lamp", {{{Transition, {0, 1}}, 10}, {{Hold, {1}}, 10}}}}, 10, 0);
+    const AnimationKey dim({Hold, {0.5F}}, 4);
+    LayerMap results;
+    Animation lamp(fresh);
+    const auto keep = [&](const std::string& name) {
+        results[name] = lamp.layer("lamp");
+        lamp = fresh;
+    };
+    keep("0 lamp");
+    lamp.remove(4, 10);
+    keep("1 remove");
+    lamp.insertInLayer("lamp", dim, 6);
+    keep("2 insert");
+    lamp.replaceInLayer("lamp", 8, 4, dim);
+    keep("3 replace");
+    lamp.overrideLayerWith("lamp", {dim, {Wait, 6}, dim}, 6);
+    keep("4 override");
+    lamp = lamp.loop(2, false, false);
+    keep("5 loop");
+    Animation all;
+    all.layers = results; // not filled up to the longest one
+    return all;
+}
+
 /// What a console sent: dark, one light, a chase of three, all dimmed.
 Animation recording() {
     std::ofstream(folder + "/recorded") << "OLA Show\n1 0,0,0,0\n500\n1 255,0,0,0\n1000\n"
@@ -32,6 +58,7 @@ Animation recording() {
 
 int main(int argc, char** argv) {
     folder = argc > 1 ? argv[1] : ".";
+    picture("edits.svg", "A layer, and what edits make of it", edits());
     // The guide begins here.
     Animation light;
     light.pushBackInLayer("status", Transition, {0, 0.2F}, 20); // intro: fades in

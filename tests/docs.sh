@@ -1,16 +1,15 @@
 #!/bin/sh
-# docs.sh QUICKSTART LIVE GUIDE [DEMO]: whether the pages show what these programs are and draw: the
+# docs.sh FOLDER [DEMO]: whether the pages show what the examples in FOLDER are, print and draw: the
 # guide all pictures but one, which is the demo's and is left out with it.
+# shellcheck disable=SC2016 # backquotes are Markdown's
 set -eu
-quickstart=$(readlink -f "$1")
-live=$(readlink -f "$2")
-guide=$(readlink -f "$3")
-demo=${4:+$(readlink -f "$4")}
+examples=$(readlink -f "$1")
+demo=${2:+$(readlink -f "$2")}
 root=$(readlink -f "$(dirname "$0")/..")
 . "$root/tests/scratch.sh"
 
 # The pictures in docs/.
-"$guide" . >/dev/null
+"$examples/guide" . >/dev/null
 [ -z "$demo" ] || "$demo" --svg demo.svg >/dev/null
 for picture in "$root"/docs/*.svg; do
     name=$(basename "$picture")
@@ -18,7 +17,6 @@ for picture in "$root"/docs/*.svg; do
 done
 
 code_of() { # page: its fragments of C++, without blank lines
-    # shellcheck disable=SC2016 # these backquotes are Markdown's
     sed -n '/^```cpp$/,/^```$/p' "$1" | sed '/^```/d; /^$/d'
 }
 code_of "$root/docs/guide.md" >guide.md
@@ -32,6 +30,20 @@ code_of "$root/docs/live.md" | sort >live.md
     sed -n '/page begins here/,/page goes on in/p' "$root/examples/live.h"
     sed -n '/page goes on here/,/page ends here/p' "$root/examples/live.cpp" | sed 's/^    //'
 } | sed '/^\/\/ .* page /d; /^\/\/ The page /d; /^$/d' | sort | diff live.md -
-"$live" >live.out
+"$examples/live" >live.out
 grep -q '^7: lamp 0.7$' live.out
-"$quickstart" | grep -q '^95 frames, 3.8 s$'
+
+# What the README says that comes out.
+"$examples/surprises" >surprises
+sed -n '/^```text$/,/^```$/p' "$root/README.md" | sed '/^```/d' >printed
+"$examples/quickstart" | diff printed -
+sed -n 's/^| [0-9] `\(.*\)` |.*/\1/p' "$root/README.md" >edits
+[ "$(wc -l <edits)" -eq 5 ]
+while read -r edit; do
+    grep -qF "    $edit;" "$root/examples/guide.cpp" || {
+        echo "The picture of edits has no $edit" >&2
+        exit 1
+    }
+done <edits
+sed -n '/^## What may surprise$/,/^## Speed$/p' "$root/README.md" | tr -s '\n ' ' ' |
+    grep -oE '(`[^`]*`: )?`[^`]*` is `[^`]*`' | diff - surprises
