@@ -60,6 +60,18 @@ int main(int argc, char** argv) {
     folder = argc > 1 ? argv[1] : ".";
     picture("edits.svg", "A layer, and what edits make of it", edits());
     // The guide begins here.
+    const AnimationKey dim({Hold, {0.5F}}, 4);
+    Animation idea;
+    for (const auto* name : {"0 before", "1 replace", "2 insert", "3 remove", "4 append"}) {
+        idea.pushBackInLayer(name, Transition, {0, 1}, 10);
+        idea.pushBackInLayer(name, Hold, {1}, 10);
+    }
+    idea.replaceInLayer("1 replace", 6, 8, dim); // eight frames by four
+    idea.replaceInLayer("2 insert", 6, 0, dim);  // none by four: insertInLayer(name, dim, 6)
+    idea.replaceInLayer("3 remove", 6, 8, {});   // eight by none: removeInLayer(name, 6, 8)
+    idea.replaceInLayer("4 append", 20, 0, dim); // at the end: pushBackInLayer(name, dim)
+    picture("replace.svg", "Replacing a range of frames", idea);
+
     Animation light;
     light.pushBackInLayer("status", Transition, {0, 0.2F}, 20); // intro: fades in
     light.pushBackInLayer("status", Transition, {0.2F, 1}, 20); // body: breathes in
@@ -83,6 +95,10 @@ int main(int argc, char** argv) {
     }
     light.overrideLayerWith("status", alert, 80);
     picture("guide-4.svg", "An alert for two seconds", light);
+
+    Animation late = light; // and once more, where the alert ends inside a key
+    for (const auto& [name, keys] : LayerMap{{"status", alert}})
+        late.replaceInLayer(name, 143, Animation::durationInFramesOf(keys), keys);
 
     LayerMap seconds;
     for (const Animation& piece : light.splitEach(rate, /*keepIntro=*/true, /*keepOutro=*/true))
