@@ -112,7 +112,8 @@ Header::Header(std::istream& in) {
     if (steps * step > mostFrames)
         refuse("the show lasts longer than " + std::to_string(mostFrames) + " milliseconds");
     packing = major == 1 ? 0 : bytes[20] & 15U;
-    const std::size_t blockCount = major == 1 ? 0 : bytes[21] | (bytes[20] >> 4U) << 8U;
+    const std::size_t blockCount =
+        major == 1 ? 0 : number_at(bytes, 21, 1) | (number_at(bytes, 20, 1) >> 4U << 8U);
     const std::size_t rangeCount = major == 1 ? 0 : bytes[22];
     const std::size_t rangesBegin = fixed + blockSize * blockCount;
     if (rangesBegin + rangeSize * rangeCount > tablesEnd || tablesEnd > dataBegin)

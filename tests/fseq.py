@@ -1,7 +1,9 @@
 #!/usr/bin/python3
-"""fseq.py PROGRAM [COUNT]: has lightshow read, edit and write COUNT random rendered shows (.fseq),
-and as many that are corrupted, and compares every byte with what a reader and writer of its own say.
-COUNT is 100 unless told."""
+"""fseq.py PROGRAM [COUNT], or fseq.py --inputs FOLDER.
+
+The former has lightshow read, edit and write COUNT random rendered shows (.fseq), and as many that
+are corrupted, and compares every byte with what a reader and writer of its own say. COUNT is 100
+unless told. The latter only writes small files of all kinds."""
 
 import ctypes
 import ctypes.util
@@ -503,7 +505,17 @@ def check_words(program):
         check(not pathlib.Path("far.fseq").exists(), f"{name}: is refused and written")
 
 
+def write_inputs(folder):
+    rng = random.Random(4)
+    for i in range(40):
+        show = random_show(rng, range(i % 7, i % 7 + rng.randint(1, 9)), rng.randint(1, 9))
+        save(folder / str(i), write(show, rng, packing=i % 3))
+
+
 def main():
+    if sys.argv[1] == "--inputs":
+        write_inputs(pathlib.Path(sys.argv[2]))
+        return
     program = Program(str(pathlib.Path(sys.argv[1]).resolve()))
     count = int(sys.argv[2]) if len(sys.argv) > 2 else 100
     rng = random.Random(2026)
