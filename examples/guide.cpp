@@ -1,11 +1,13 @@
 // The program of docs/guide.md; writes its pictures into the folder that it is given.
 
+#include "Fit.h"
+#include "Fseq.h"
 #include "Picture.h"
-#include "Recording.h"
-#include <animationmodel/play.h>
 
 #include <animationmodel/Rotation.h>
+#include <animationmodel/play.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iostream>
 
@@ -46,12 +48,19 @@ Animation edits() {
     return all;
 }
 
-/// What a console sent: dark, one light, a chase of three, all dimmed.
-Animation recording() {
-    std::ofstream(folder + "/recorded") << "OLA Show\n1 0,0,0,0\n500\n1 255,0,0,0\n1000\n"
-                                           "1 80,255,0,0\n500\n1 80,0,255,0\n500\n"
-                                           "1 80,0,0,255\n500\n1 40,40,40,40\n500\n";
-    return read_recording(folder + "/recorded");
+/// What a sequencer renders: for 160 steps of 25 milliseconds a byte for each of four lights, which
+/// fade in one after another and out together.
+void render(const std::string& path) {
+    std::ofstream file(path, std::ios::binary);
+    const char header[] =
+        "PSEQ\x20\0\0\x02\x20\0\x04\0\0\0\xa0\0\0\0\x19\0\0\0\0\0\0\0\0\0\0\0\0\0";
+    file.write(header, sizeof header - 1);
+    for (int step = 0; step < 160; ++step)
+        for (int light = 0; light < 4; ++light) {
+            const int fadedIn = (step - 20 - 20 * light) * 15;
+            const int fadedOut = (150 - step) * 15;
+            file.put(static_cast<char>(std::clamp(std::min(fadedIn, fadedOut), 0, 255)));
+        }
 }
 
 } // namespace
@@ -59,6 +68,7 @@ Animation recording() {
 int main(int argc, char** argv) {
     folder = argc > 1 ? argv[1] : ".";
     picture("edits.svg", "A layer, and what edits make of it", edits());
+    render(folder + "/rendered.fseq");
     // The guide begins here.
     const AnimationKey dim({Hold, {0.5F}}, 4);
     Animation idea;
@@ -146,13 +156,16 @@ int main(int argc, char** argv) {
                 std::cout << frame << ": " << lamp.name() << " is dark\n";
     }
 
-    Animation show = recording();
-    show.remove(3000, 1000); // the out point: nothing after 3 s
-    show.remove(0, 500);     // the in point: 0.5 s later
-    show.introSize = 1000;   // this happens only once
+    std::ifstream file(folder + "/rendered.fseq", std::ios::binary);
+    Sequence rendered = read_fseq(file, "rendered.fseq", /*limited=*/true);
+    Animation& show = rendered.show;
+    fit(show, rendered.step); // the ramps behind the bytes
+    show.remove(3000, 1000);  // the out point: nothing after 3 s
+    show.remove(0, 500);      // the in point: 0.5 s later
+    show.introSize = 1000;    // this happens only once
     show = show.loop(2, /*repeatIntro=*/false, /*repeatOutro=*/false);
-    std::ofstream file(folder + "/edited");
-    write_recording(file, show);
-    picture("guide-11.svg", "A recorded show, edited", show);
+    std::ofstream edited(folder + "/edited.fseq", std::ios::binary);
+    write_fseq(edited, show, rendered.step, rendered.media);
+    picture("guide-11.svg", "A light show, edited", show);
     // The guide ends here.
 }
