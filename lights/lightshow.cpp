@@ -78,7 +78,7 @@ void rotation(Animation& show, Number<0, 255> pulse, Number<0, 255> rest, Durati
 }
 
 /// Where the show laid over it sends nothing, the show goes on: keys end there.
-void override_with(Animation& show, Animation other, Time at) {
+void override_with(Animation& show, Animation&& other, Time at) {
     const unsigned int duration = show.durationInFrames();
     for (auto& [name, layer] : other.layers) {
         show.fillInLayer(name, duration);
