@@ -126,7 +126,9 @@ KeyVector join(Track& track, unsigned int begin, unsigned int end, unsigned int 
     return std::move(joined.keys);
 }
 
-KeyVector fitted(const std::string& name, const KeyVector& keys, unsigned int step) {
+/// The keys of a layer in a show of `duration` frames.
+KeyVector fitted(const std::string& name, const KeyVector& keys, unsigned int step,
+                 unsigned int duration) {
     KeyVector result;
     Track track(name, keys);
     unsigned int end = 0;
@@ -138,8 +140,8 @@ KeyVector fitted(const std::string& name, const KeyVector& keys, unsigned int st
         const auto count = static_cast<std::size_t>(key - first);
         KeyVector joined;
         if (count > 1 && next_step(begin, step) < end) {
-            std::optional<int> last; // what a Wait keeps
-            if (key != keys.end() && key->command.effect == Wait)
+            std::optional<int> last; // what a Wait keeps, and a layer that ends before the show
+            if (key != keys.end() ? key->command.effect == Wait : end < duration)
                 last = dmx_value(std::prev(key)->command.args.back());
             joined = join(track, begin, end, step, last, count);
         }
@@ -159,6 +161,7 @@ KeyVector fitted(const std::string& name, const KeyVector& keys, unsigned int st
 } // namespace
 
 void fit(Animation& show, unsigned int step) {
+    const unsigned int duration = show.durationInFrames();
     for (auto& [name, keys] : show.layers)
-        keys = fitted(name, keys, step);
+        keys = fitted(name, keys, step, duration);
 }

@@ -77,6 +77,11 @@ def check_table(program):
         status, text, _ = program.run("in.json", "--fit", "--step", str(step), "--write", "out.json")
         got = text_of(layers_in("out.json")["0001.001"]) if status == 0 else text
         check(got == after, f"--fit --step {step} of {before}: {got} instead of {after}")
+    # a layer that ends before the show keeps the last value, too
+    write_json("in.json", {"1.1": keys_of("H0/10 H50/10 H100/10"), "1.2": keys_of("H7/31")})
+    program.run("in.json", "--fit", "--step", "10", "--write", "out.json")
+    got = text_of(layers_in("out.json")["0001.001"])
+    check(got.startswith("T0,100/20 H100/10"), f"--fit of a short layer: {got}")
 
 
 def random_keys(rng, length):
