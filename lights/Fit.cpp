@@ -66,7 +66,7 @@ struct Joined {
         const double least = value + low * duration;
         const double most = value + high * duration;
         const double middle = (least + most) / 2;
-        for (double parts = 1; parts < 65536; parts *= 2) {
+        for (unsigned int parts = 1; parts < 65536; parts *= 2) {
             const double rounded = std::round(middle * parts) / parts;
             if (rounded >= least && rounded <= most)
                 return rounded;

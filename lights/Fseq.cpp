@@ -5,6 +5,8 @@
 #include "Terminal.h"
 #include "unpack.h"
 
+#include <animationmodel/play.h>
+
 #include <algorithm>
 #include <array>
 #include <bit>
@@ -281,16 +283,21 @@ void add_keys(const std::vector<KeyVector*>& layers, const Bytes& data, const He
     }
 }
 
+/// The channel of the file that a layer is called after.
+std::uint64_t channel_at(const std::string& name) {
+    const auto [universe, channel] = channel_of(name);
+    if (universe == 0)
+        refuse("universe 0 has no place in the file of a rendered show");
+    return std::uint64_t{universe - 1} * 512 + channel - 1;
+}
+
 /// The channels of layers, in at most `mostRanges` ranges: where these are too many, the narrowest
 /// gaps between them are filled.
 std::vector<Range> ranges_of(const LayerMap& layers) {
     std::vector<std::uint64_t> channels;
-    for (const auto& [name, keys] : layers) {
-        const auto [universe, channel] = channel_of(name);
-        if (universe == 0)
-            refuse("universe 0 has no place in the file of a rendered show");
-        channels.push_back(std::uint64_t{universe - 1} * 512 + channel - 1);
-    }
+    channels.reserve(layers.size());
+    for (const auto& [name, keys] : layers)
+        channels.push_back(channel_at(name));
     std::ranges::sort(channels);
     std::vector<Range> ranges;
     for (std::uint64_t gap = 0; gap == 0 || ranges.size() > mostRanges; gap = 2 * gap + 1) {
@@ -354,18 +361,37 @@ Bytes header_of(const std::vector<Range>& ranges, std::uint64_t channels, std::u
     return bytes;
 }
 
-/// Copies the values of a range to `place`.
-void copy_range(const Universes& universes, Range range, std::uint8_t* place) {
-    while (range.begin < range.end) {
-        const std::size_t first = range.begin % 512;
-        const std::size_t count = std::min<std::uint64_t>(512 - first, range.end - range.begin);
-        std::fill_n(place, count, 0);
-        const auto found = universes.find(static_cast<unsigned int>(range.begin / 512 + 1));
-        if (found != universes.end() && found->second.size() > first)
-            std::copy_n(found->second.data() + first, std::min(count, found->second.size() - first),
-                        place);
-        place += count;
-        range.begin += count;
+/// A channel that is written, and where it lies in a step.
+struct Output {
+    Track track;
+    std::size_t place;
+};
+
+std::vector<Output> outputs_of(const LayerMap& layers, const std::vector<Range>& ranges) {
+    std::vector<Output> outputs;
+    outputs.reserve(layers.size());
+    for (const auto& [name, keys] : layers) {
+        const std::uint64_t channel = channel_at(name);
+        std::size_t place = 0;
+        auto range = ranges.begin();
+        for (; channel >= range->end; ++range)
+            place += range->end - range->begin;
+        outputs.push_back({Track(name, keys), place + channel - range->begin});
+    }
+    return outputs;
+}
+
+/// Writes what a channel sends at so many steps from `first` on into `rows`, which are `width`
+/// bytes apart.
+void render(Output& output, unsigned int first, unsigned int count, unsigned int step,
+            std::size_t width, Bytes& rows) {
+    for (unsigned int i = 0; i < count;) {
+        output.track.seek((first + i) * step);
+        const auto value = output.track.value();
+        const std::uint8_t sent = value ? dmx_value(*value) : 0;
+        const unsigned int next = output.track.nextChange();
+        for (; i < count && (first + i) * step < next; ++i)
+            rows[i * width + output.place] = sent;
     }
 }
 
@@ -401,16 +427,17 @@ void write_fseq(std::ostream& out, const Animation& show, unsigned int step,
     };
     write(header);
     Progress progress{"writing"};
-    DmxPlayer player(show.layers);
-    Bytes values(channels);
-    for (unsigned int i = 0; i < steps && out; ++i) {
-        const Universes& universes = player.seek(i * step);
-        std::uint8_t* place = values.data();
-        for (const Range& range : ranges) {
-            copy_range(universes, range, place);
-            place += range.end - range.begin;
-        }
-        write(values);
-        progress.at(i, steps);
+    std::vector<Output> outputs = outputs_of(show.layers, ranges);
+    // Many steps of a channel before those of the next one, whose keys are elsewhere in memory.
+    constexpr std::uint64_t blockBytes = std::uint64_t{1} << 22;
+    const auto most = static_cast<unsigned int>(std::max<std::uint64_t>(1, blockBytes / channels));
+    Bytes rows;
+    for (unsigned int first = 0; first < steps && out;) {
+        const unsigned int count = std::min(most, steps - first);
+        rows.assign(count * channels, 0);
+        for (Output& output : outputs)
+            render(output, first, count, step, channels, rows);
+        write(rows);
+        progress.at(first += count, steps);
     }
 }
