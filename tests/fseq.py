@@ -106,7 +106,7 @@ def blocks_of(rows, packing, rng):
         table += struct.pack("<II", begin, len(block))
         packed += block
         begin = end
-    return table + rng.choice([b"", bytes(8), bytes(24)]), packed
+    return table + bytes(8 * rng.choice([0, 0, 1, 3, 300])), packed
 
 
 def write(show, rng, version=None, packing=None):
@@ -387,11 +387,13 @@ def patched(data, *patches):
     return bytes(data)
 
 
-def packed(block, packing, begin=0, channels=2, steps=3):
-    """A file with one block."""
-    header = struct.pack("<HBBHIIBBBBBBQII", 40, 0, 2, 40, channels, steps, 25, 0, packing, 1, 0, 0,
-                         0, begin, len(block))
-    return b"PSEQ" + header + block
+def packed(block, packing, begins=(0,), channels=2, steps=3):
+    """A file in which that block stands for each of some steps."""
+    begin = 32 + 8 * len(begins)
+    header = struct.pack("<HBBHIIBBBBBBQ", begin, 0, 2, begin, channels, steps, 25, 0, packing,
+                         len(begins), 0, 0, 0)
+    table = b"".join(struct.pack("<II", begin, len(block)) for begin in begins)
+    return b"PSEQ" + header + table + block * len(begins)
 
 
 def sparse(*ranges, channels=4):
@@ -430,7 +432,9 @@ def check_refusals(program):
         (patched(data, (13, b"\x7f"), (14, b"\1")),
          "the file is cut short: 2130706428 bytes are missing"),
         (patched(data, (20, b"\2")), "there are no blocks"),
-        (packed(three, ZLIB, begin=1), "the blocks are out of order"),
+        (packed(three, ZLIB, [1]), "the blocks are out of order"),
+        (packed(three, ZLIB, [0, 2, 1]), "the blocks are out of order"),
+        (packed(three, ZLIB, [0, 1, 1]), "the blocks are out of order"),
         (packed(three, ZLIB, steps=0), "a block begins after the last step"),
         (packed(three[:-1], ZLIB), "block 0: it ends inside the stream of zlib"),
         (packed(three + b"\0", ZLIB), "block 0: more follows the stream of zlib"),
