@@ -325,7 +325,7 @@ function mark(changes) {
     if (changes.length === 0 || !drawn)
         return;
     const { left, right, top, lane } = places();
-    const x = frame => left + (right - left) * frame / show.frames();
+    const x = frame => left + (right - left) * frame / Math.max(1, show.frames());
     const rect = (what, change, from, to) => `<rect class="${what}" x="${x(from)}" ` +
         `y="${top + lane * change.lane}" width="${Math.max(3, x(to) - x(from))}" ` +
         `height="${lane - 4}"/>`;
@@ -799,7 +799,8 @@ async function share() {
 async function readAddress() {
     const given = new URLSearchParams(location.hash.slice(1));
     const operation = given.get("operation");
-    if (operation in all) {
+    const known = Object.hasOwn(all, operation);
+    if (known) {
         for (const key of controlsOf(operation)) {
             const value = given.get(controls[key].name ?? key);
             if (value !== null)
@@ -824,7 +825,7 @@ async function readAddress() {
         setText(text, given.get("title") ?? "");
     else if (given.has("example") || broken.length > 0 || now < 0)
         await openExample(given.get("example") ?? "demo");
-    if (operation !== null && !(operation in all))
+    if (operation !== null && !known)
         say(`There is no operation ${operation} here.`, $("result"));
     if (broken.length > 0)
         say(`The link is not whole: ${broken.join(" and ")} cannot be read.`, $("result"));
@@ -916,7 +917,6 @@ async function start() {
             `(${error.message}). It needs the network, and a browser with WebAssembly.`;
         return;
     }
-    $("missing").hidden = true;
     controls.keys.choices = [];
     showChoice();
     choose(chosen);
@@ -924,6 +924,7 @@ async function start() {
     await readAddress();
     listen();
     play(!matchMedia("(prefers-reduced-motion: reduce)").matches);
+    $("missing").hidden = true;
     document.body.dataset.ready = "";
 }
 

@@ -372,8 +372,9 @@ def test_addresses(page):
             words = re.sub(rf"\b{value}\b", "", words, count=1)
         expect(re.search(rf"\b{operation}\(", code), f"{operation} is not in {code}")
         expect(page.run("return drawn() !== null"), f"#operation={operation} shows no picture")
-    page.open("index.html#operation=explode")
-    expect("no operation explode" in page.find("told").text, "an unknown operation is not told")
+    for name in ["explode", "constructor"]:
+        page.open(f"index.html#operation={name}")
+        expect(f"no operation {name}" in page.find("told").text, f"{name} is taken for an operation")
     print(f"{len(FIELDS)} addresses of operations opened")
 
 
