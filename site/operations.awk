@@ -3,11 +3,12 @@
 BEGIN {
     split("replace insert pushBack remove overrideLayersWith setFPSToFitDurationInSeconds reset " \
         "replaceInLayer insertInLayer pushBackInLayer removeInLayer overrideLayerWith " \
-        "fillInLayer loop splitAt splitEach introBodyOutroLayers Rotation", names, " ")
+        "fillInLayer loop splitAt splitEach introBodyOutroLayers Rotation change_frame_rate " \
+        "stretch_to", names, " ")
     for (i in names)
         untold[names[i]] = 1
 }
-FILENAME !~ /\/(Animation|Rotation)\.h$/ { # others have operations of the same names
+FILENAME !~ /\/(Animation|Rotation|retime)\.h$/ { # others have operations of the same names
     print
     next
 }
