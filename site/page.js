@@ -558,7 +558,7 @@ function choose(operation) {
 function fill() {
     for (const key of controlsOf(chosen)) {
         const { choices, value = "10" } = controls[key], field = fieldOf(key);
-        if (choices && choices.join() !== [...field.options].map(({ text }) => text).join())
+        if (choices && choices.join() !== [...field.options].map(({ value }) => value).join())
             field.replaceChildren(...choices.map(choice => new Option(choice, choice)));
         const filled = choices && !choices.includes(typed[key]) ? value : typed[key] ?? value;
         if (field.type === "checkbox")

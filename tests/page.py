@@ -541,7 +541,9 @@ def test_layout(page):
             const { top, bottom } = element.getBoundingClientRect();
             return [top, bottom];
         };
-        return { picture: sides(drawn()), wide: document.documentElement.scrollWidth,
+        const widths = [document.documentElement, ...document.querySelectorAll("main *")].map(
+            element => element.getBoundingClientRect().right);
+        return { picture: sides(drawn()), wide: Math.max(...widths),
             operation: ["controls", "apply", "code"].map(id => sides($(id))) };
     """
     for width, height in [(1366, 700), (400, 800)]:
@@ -552,7 +554,7 @@ def test_layout(page):
                      "$('choice').getBoundingClientRect().top - "
                      "document.querySelector('.picture').getBoundingClientRect().height - 8")
         for operation in FIELDS:
-            got = page.run(FILL + inside, operation, {})
+            got = page.run(FILL + "form.requestSubmit(); $('undo').click();" + inside, operation, {})
             top, bottom = got["picture"]
             limit = bottom if width == 400 else 0
             expect(top >= 0 and bottom <= height and got["wide"] <= width,
