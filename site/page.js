@@ -756,6 +756,8 @@ async function pack(text) {
 }
 
 async function unpack(packed) {
+    if (packed.length > mostInAddress) // it might hold a thousand times as much
+        throw Error("too long");
     const bytes = atob(packed.replaceAll("-", "+").replaceAll("_", "/"));
     const text = new TextDecoder().decode(await through(new DecompressionStream("deflate-raw"),
         Uint8Array.from(bytes, byte => byte.charCodeAt(0))));
