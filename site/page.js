@@ -137,7 +137,7 @@ const pictureStyle = `
     .came { fill: #3fb95066; stroke: #3fb950; }
     .went { fill: #ff7b72; }
     .moved { stroke: #58a6ff; stroke-dasharray: 6 3; }
-    @media not (prefers-reduced-motion: reduce) {
+    @media (prefers-reduced-motion: no-preference) {
         .marks { animation: fade ${markedFor}ms forwards; }
         @keyframes fade { 70% { opacity: 1; } to { opacity: 0; } }
     }`;
@@ -318,7 +318,8 @@ function mark(changes) {
     };
     $("legend").replaceChildren(...Object.entries(counts).flatMap(([what, counts]) => {
         const [count, ...others] = new Set(counts.filter(count => count > 0));
-        const text = others.length > 0 ? "some frames" : count === 1 ? "1 frame" : `${count} frames`;
+        const counted = count === 1 ? "1 frame" : `${count} frames`;
+        const text = others.length > 0 ? "some frames" : counted;
         return count === undefined ? [] :
             [element("span", { className: what }, `${text} ${what}`)];
     }));
