@@ -509,6 +509,20 @@ def check_words(program):
         check(not pathlib.Path("far.fseq").exists(), f"{name}: is refused and written")
 
 
+def check_large(program, channels, steps):
+    """That a show in which every byte changes takes no more memory than it may."""
+    header = struct.pack("<HBBHIIBBBBBBQ", 32, 0, 2, 32, channels, steps, 25, 0, 0, 0, 0, 0, 0)
+    step = random.Random(5).randbytes(channels)
+    other = bytes(value ^ 1 for value in step)
+    data = b"PSEQ" + header + (step + other) * (steps // 2)
+    save("large.fseq", data)
+    status, text, memory = program.run("large.fseq", "--write", "out.fseq")
+    what = f"{channels} channels, {steps} steps"
+    check(status == 0, f"{what}: {text}")
+    check(pathlib.Path("out.fseq").read_bytes()[32:] == data[32:], f"{what}: other bytes")
+    check(memory < (64 << 10) + 40 * channels * steps // 1024, f"{what}: takes {memory} KiB")
+
+
 def write_inputs(folder):
     rng = random.Random(4)
     for i in range(40):
@@ -527,6 +541,8 @@ def main():
         os.chdir(folder)
         check_refusals(program)
         check_words(program)
+        check_large(program, 2000, 500)
+        check_large(program, 300000, 10)
         check_edits(program, rng, count)
         refused = check_corrupted(program, rng, count)
         os.chdir("/")
