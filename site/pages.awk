@@ -44,7 +44,7 @@ FNR == 1 { name = name_of(FILENAME) }
 }
 !fenced && !/^    / { $0 = linked($0) }
 { print }
-!fenced && /^# / && name ~ /^(guide|python|live)$/ { print "\n@tableofcontents{HTML:2}" }
+!fenced && /^# / && name ~ /^(guide|cookbook|python|live)$/ { print "\n@tableofcontents{HTML:2}" }
 
 # The pictures of the guide open in the page on which to try the library.
 match($0, /^!\[.*\]\(guide-[0-9]+\.svg\)$/) {

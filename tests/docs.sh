@@ -16,8 +16,8 @@ for picture in "$root"/docs/*.svg; do
     [ "$name" = demo.svg ] && [ -z "$demo" ] || diff "$picture" "$name"
 done
 
-code_of() { # page: its fragments of C++, without blank lines
-    sed -n '/^```cpp$/,/^```$/p' "$1" | sed '/^```/d; /^$/d'
+code_of() { # page, then a language: its fragments, without blank lines
+    sed -n "/^\`\`\`${2-cpp}\$/,/^\`\`\`\$/p" "$1" | sed '/^```/d; /^$/d'
 }
 code_of "$root/docs/guide.md" >guide.md
 sed -n '/guide begins here/,/guide ends here/p' "$root/examples/guide.cpp" |
@@ -35,7 +35,7 @@ grep -q '^7: lamp 0.7$' live.out
 
 # What the README says that comes out.
 "$examples/surprises" >surprises
-sed -n '/^```text$/,/^```$/p' "$root/README.md" | sed '/^```/d' >printed
+code_of "$root/README.md" text >printed
 "$examples/quickstart" | diff printed -
 sed -n 's/^| [0-9] `\(.*\)` |.*/\1/p' "$root/README.md" >edits
 [ "$(wc -l <edits)" -eq 5 ]
@@ -47,3 +47,13 @@ while read -r edit; do
 done <edits
 sed -n '/^## What may surprise$/,/^## Speed$/p' "$root/README.md" | tr -s '\n ' ' ' |
     grep -oE '(`[^`]*`: )?`[^`]*` is `[^`]*`' | diff - surprises
+
+# The cookbook, in both languages, and its timelines.
+for language in cpp python; do
+    [ $language = cpp ] && program=examples/cookbook.cpp || program=python/cookbook.py
+    code_of "$root/docs/cookbook.md" $language >recipes
+    sed -n '/cookbook begins here/,/cookbook ends here/p' "$root/$program" |
+        sed '1d; $d; /^$/d' | diff recipes -
+done
+code_of "$root/docs/cookbook.md" text >timelines
+[ ! -e "$examples/cookbook" ] || "$examples/cookbook" | diff timelines -
