@@ -18,7 +18,7 @@ SEARCHES = [
     ("fading", "guide.html#guide-keys-end-to-end"),
     ("frame rate", "python.html#python-change_frame_ratefps"),
     ("player", "guide.html#guide-play-it"),
-    ("universes", "guide.html#guide-edit-a-recorded-show"),
+    ("universes", "guide.html#guide-edit-a-light-show"),
     ("insertInLa", "guide.html#guide-remove"),
 ]
 NOWHERE = "zyzzyva"
