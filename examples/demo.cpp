@@ -2,8 +2,10 @@
 
 #include "Colour.h"
 #include "CommandLine.h"
+#include "Files.h"
 #include "Picture.h"
 #include "Terminal.h"
+#include "Text.h"
 #include "Timeline.h"
 #include "parse.h"
 #include <animationmodel/play.h>
@@ -33,7 +35,7 @@ struct Options {
 void take(const Words& words, unsigned int& frames) {
     const auto number = parse<unsigned int>(words[0]);
     if (number.value_or(0) == 0)
-        throw std::runtime_error("cannot be \"" + words[0] + "\", but 1 or more frames");
+        throw std::runtime_error("cannot be " + in_quotes(words[0]) + ", but 1 or more frames");
     frames = *number;
 }
 
@@ -41,7 +43,7 @@ void take(const Words& words, unsigned int& frames) {
 void take(const Words& words, float& value) {
     value = static_cast<float>(parse<double>(words[0]).value_or(NAN));
     if (!std::isfinite(value))
-        throw std::runtime_error("cannot be \"" + words[0] + "\"");
+        throw std::runtime_error("cannot be " + in_quotes(words[0]));
 }
 
 std::vector<Option> described(Options& options) {

@@ -1,22 +1,31 @@
 #include "CommandLine.h"
 
+#include "Text.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <unistd.h>
-
-namespace fs = std::filesystem;
 
 namespace {
 
+std::string program;
+
+/// What stands before a word that the parser shall take for no option.
+constexpr char mark = '\x01';
+
+/// `-.5` is a number and `-.x` a file, but the parser wants another sign after the dash.
+std::string marked(std::string word) {
+    return word.starts_with("-.") || word.starts_with(mark) ? word.insert(0, 1, mark) : word;
+}
+std::string unmarked(const std::string& word) {
+    return word.starts_with(mark) ? word.substr(1) : word;
+}
+
 void add(CLI::App& app, const Option& option) {
     const bool dashes = option.name[0] == '-';
-    const auto take = [&option](const Words& words) {
+    const auto take = [&option](Words words) {
+        std::ranges::transform(words, words.begin(), unmarked);
         try {
             option.take(words);
         } catch (const std::runtime_error& error) {
@@ -36,64 +45,51 @@ void add(CLI::App& app, const Option& option) {
         ->option_text(option.words)
         ->trigger_on_parse()
         ->check([dashes](const std::string& word) {
-            const bool negative = word[0] == '-' && word[1] >= '0' && word[1] <= '9';
-            const bool missing = word.empty() || (dashes && word[0] == '-' && !negative);
-            return missing ? "needs a word, not \"" + word + "\"" : "";
+            const bool isOption =
+                word[0] == '-' && word[1] != 0 && (word[1] < '0' || word[1] > '9');
+            const bool missing = word.empty() || (dashes && isOption);
+            return missing ? "needs a word, not " + in_quotes(word) : "";
         });
 }
 
 } // namespace
 
+void complain(const std::string& what) {
+    std::cerr << printable(program + ": " + what) + "\n";
+}
+
 int CommandLine::run(int argc, char** argv) const {
-    const auto complain = [&](const std::exception& error, int status) {
-        std::cerr << name << ": " << error.what() << '\n';
+    program = name;
+    const auto fail = [](const std::string& what, int status) {
+        complain(what);
         return status;
     };
     try {
         CLI::App app(purpose, name);
+        app.set_version_flag("--version", name + " " KIV_VERSION, "prints the version");
         for (const Option& option : options)
             add(app, option);
         try {
             Words words(argv + 1, argv + argc);
-            for (std::string& word : words)
-                if (word.starts_with("-.")) // a number, for which the parser wants a digit
-                    word.insert(1, 1, '0');
+            std::ranges::transform(words, words.begin(), marked);
             std::ranges::reverse(words); // as the parser takes them
             app.parse(words);
-        } catch (const CLI::CallForHelp& help) {
-            return app.exit(help);
+            body();
+        } catch (const CLI::Success& asked) { // for the help, or the version
+            app.exit(asked);
+        } catch (const CLI::ParseError& error) {
+            std::string what = error.what();
+            std::erase(what, mark);
+            throw std::runtime_error(what);
         }
-        body();
         if (!std::cout.flush())
             throw Failure("cannot write the standard output");
         return 0;
     } catch (const Failure& error) {
-        return complain(error, 1);
+        return fail(error.what(), 1);
+    } catch (const std::bad_alloc&) {
+        return fail("the memory does not suffice", 1);
     } catch (const std::exception& error) {
-        return complain(error, 2);
-    }
-}
-
-void write_file(const std::string& path, const std::function<void(std::ostream&)>& write) {
-    std::error_code error;
-    const fs::path target = fs::weakly_canonical(path, error); // a link to a file stays one
-    const bool special = fs::exists(target, error) && !fs::is_regular_file(target, error);
-    const fs::path draft =
-        special ? target : fs::path(target.string() + "." + std::to_string(getpid()));
-    errno = 0;
-    std::ofstream file(draft, std::ios::binary);
-    try {
-        if (file)
-            write(file);
-        file.close();
-        if (!file)
-            throw std::runtime_error("cannot write " + path +
-                                     (errno != 0 ? ": " + std::string(std::strerror(errno)) : ""));
-        if (!special)
-            fs::rename(draft, target);
-    } catch (...) {
-        if (!special)
-            fs::remove(draft, error);
-        throw;
+        return fail(error.what(), 2);
     }
 }

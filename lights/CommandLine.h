@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -23,8 +22,8 @@ struct Option {
 };
 
 struct CommandLine {
-    /// Takes the options in the order they are given in, then runs `body`. Asked for help, prints
-    /// the options instead. Returns the status:
+    /// Takes the options in the order they are given in, then runs `body`. Asked for help or the
+    /// version, prints that instead. Returns the status:
     ///
     ///     0    all went well
     ///     1    `body` threw a Failure, or the standard output could not be written
@@ -39,5 +38,5 @@ struct CommandLine {
     std::function<void()> body;
 };
 
-/// Writes a file whole or not at all; throws std::runtime_error if it cannot be written.
-void write_file(const std::string& path, const std::function<void(std::ostream&)>& write);
+/// Says on the standard error, on a line after the name of the program, what is the matter.
+void complain(const std::string& what);

@@ -1,5 +1,6 @@
 #include "Dmx.h"
 
+#include "Text.h"
 #include "parse.h"
 
 #include <cmath>
@@ -21,8 +22,8 @@ std::pair<unsigned int, unsigned int> channel_of(const std::string& layer) {
     const auto universe = parse<unsigned int>(name.substr(0, point));
     const auto channel = parse<unsigned int>(name.substr(std::min(point + 1, name.size())));
     if (!universe || !channel || *channel < 1 || *channel > 512)
-        throw std::runtime_error("a layer is called UNIVERSE.CHANNEL, such as 1.5, not \"" + layer +
-                                 "\"");
+        throw std::runtime_error("a layer is called UNIVERSE.CHANNEL, such as 1.5, not " +
+                                 in_quotes(layer));
     return {*universe, *channel};
 }
 

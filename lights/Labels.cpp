@@ -1,11 +1,11 @@
 #include "Labels.h"
 
+#include "Files.h"
 #include "Recording.h"
 #include "parse.h"
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <stdexcept>
 #include <string_view>
 
@@ -26,9 +26,9 @@ unsigned int take_seconds(std::string_view& line) {
 } // namespace
 
 void Labels::read(const std::string& path) {
-    std::ifstream file(path);
+    InputFile file(path);
     std::size_t number = 0;
-    for (std::string text; std::getline(file, text);) {
+    for (std::string text; std::getline(*file.stream, text);) {
         std::string_view line = text;
         line.remove_suffix(line.ends_with('\r') ? 1 : 0);
         ++number;
@@ -39,11 +39,12 @@ void Labels::read(const std::string& path) {
             const unsigned int end = take_seconds(line);
             labels.push_back({start, end, std::string(line)});
         } catch (const std::runtime_error& error) {
-            throw std::runtime_error(path + ":" + std::to_string(number) + ": " + error.what());
+            throw std::runtime_error(file.name + ":" + std::to_string(number) + ": " +
+                                     error.what());
         }
     }
-    if (number == 0 || file.bad())
-        throw std::runtime_error(path + ": cannot be read, or is empty");
+    if (number == 0 || file.stream->bad())
+        throw std::runtime_error(file.name + ": cannot be read, or is empty");
 }
 
 std::optional<unsigned int> Labels::find(const std::string& word) const {

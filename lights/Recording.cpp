@@ -1,12 +1,13 @@
 #include "Recording.h"
 
 #include "Dmx.h"
+#include "ShowLimits.h"
 #include "Terminal.h"
+#include "Text.h"
 #include "parse.h"
 
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <string_view>
 
@@ -15,6 +16,7 @@ using namespace Kiv;
 namespace {
 
 constexpr unsigned int most = std::numeric_limits<unsigned int>::max();
+constexpr std::streamsize longestLine = 65536;
 
 /// Takes a number and the sign `after` it, or the end, off the front of `text`.
 /// Throws std::runtime_error that calls it `name` if it is none, or more than `greatest`.
@@ -23,7 +25,7 @@ unsigned int take_number(std::string_view& text, char after, unsigned int greate
     const std::string_view word = text.substr(0, text.find(after));
     const auto number = parse<unsigned int>(word);
     if (!number || *number > greatest)
-        throw std::runtime_error(std::string(name) + " cannot be \"" + std::string(word) + "\"");
+        throw std::runtime_error(std::string(name) + " cannot be " + in_quotes(word));
     text.remove_prefix(std::min(text.size(), word.size() + 1));
     return *number;
 }
@@ -98,24 +100,27 @@ Animation read_recording(std::istream& in, const std::string& name) {
     const auto size = static_cast<double>(std::filesystem::file_size(name, unknown));
     Progress progress{"reading " + name};
     Reader reader;
-    double done = 0;
-    for (std::string line; std::getline(in, line);) {
-        progress.at(done += static_cast<double>(line.size() + 1), size);
-        try {
-            reader.read(line);
-        } catch (const std::runtime_error& error) {
-            throw std::runtime_error(name + ":" + std::to_string(reader.lines) + ": " +
-                                     error.what());
+    std::vector<char> line(longestLine);
+    std::uint64_t done = 0;
+    try {
+        while (in.getline(line.data(), longestLine).gcount() > 0) {
+            done += static_cast<std::uint64_t>(in.gcount());
+            progress.at(static_cast<double>(done), size);
+            const bool ends = in.good(); // with a line break, which is counted, too
+            const auto count = static_cast<std::size_t>(in.gcount()) - (ends ? 1 : 0);
+            reader.read({line.data(), count});
+            if (!ends && !in.eof())
+                throw std::runtime_error("a line has fewer than 65536 bytes");
+            if (done > limits.bytes)
+                throw std::runtime_error(
+                    "there is more than 1 GB; --no-limit reads it all the same");
         }
+    } catch (const std::runtime_error& error) {
+        throw std::runtime_error(name + ":" + std::to_string(reader.lines) + ": " + error.what());
     }
     if (reader.lines == 0 || in.bad())
-        throw std::runtime_error(name + ":1: cannot be read, or is empty");
+        throw std::runtime_error(name + (in.bad() ? ": cannot be read" : ": is empty"));
     return reader.finish();
-}
-
-Animation read_recording(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return read_recording(file, path);
 }
 
 void write_recording(std::ostream& out, const Animation& show) {

@@ -21,10 +21,9 @@
 
 constexpr unsigned int mostFrames = (1U << 31) - 1;
 
-/// The recording in a file. A last line of values without milliseconds lasts for one.
-/// Throws std::runtime_error that names file and line if it is not a recording.
-Kiv::Animation read_recording(const std::string& path);
-/// The same from a stream, which errors call `name`.
+/// The recording in a stream, which errors call `name`. A last line of values without milliseconds
+/// lasts for one. Throws std::runtime_error that names the line if it is not a recording, or if it
+/// is more than `limits` allow.
 Kiv::Animation read_recording(std::istream& in, const std::string& name);
 
 /// Writes what the channels show on every frame, a line whenever a universe changes. Layers are

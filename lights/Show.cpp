@@ -1,16 +1,15 @@
 #include "Show.h"
 
-#include "CommandLine.h"
 #include "Dmx.h"
+#include "Files.h"
 #include "Fseq.h"
 #include "Recording.h"
+#include "ShowLimits.h"
 
 #include <animationmodel/json.h>
 #include <animationmodel/retime.h>
 
 #include <cctype>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <utility>
 
@@ -40,27 +39,31 @@ Animation take_rendered(Sequence sequence, Rendering& rendering) {
 } // namespace
 
 Animation read_show(const std::string& path, Rendering& rendering) {
-    std::ifstream file(path, std::ios::binary);
-    const int first = file.peek(); // a pipe can be read only once
+    InputFile file(path);
+    const int first = file.stream->peek(); // a pipe can be read only once
     if (first == 'P')
-        return take_rendered(read_fseq(file, path, rendering.limited), rendering);
+        return take_rendered(read_fseq(*file.stream, file.name, limits.bytes < unlimited.bytes),
+                             rendering);
     if (first != '{' && std::isspace(first) == 0)
-        return read_recording(file, path);
-    const std::string text(std::istreambuf_iterator<char>(file), {});
+        return read_recording(*file.stream, file.name);
+    const std::string text = file.text();
     try {
         return show_of(text);
     } catch (const std::exception& error) {
-        throw std::runtime_error(path + ": " + error.what());
+        throw std::runtime_error(file.name + ": " + error.what());
     }
 }
 
+void write_show(const Animation& show, const std::string& path, const Rendering& rendering,
+                std::ostream& out) {
+    if (path.ends_with(".json"))
+        out << animation_to_json(show);
+    else if (path.ends_with(".fseq"))
+        write_fseq(out, show, rendering.step(), rendering.media);
+    else
+        write_recording(out, show);
+}
+
 void write_show(const Animation& show, const std::string& path, const Rendering& rendering) {
-    write_file(path, [&](std::ostream& out) {
-        if (path.ends_with(".json"))
-            out << animation_to_json(show);
-        else if (path.ends_with(".fseq"))
-            write_fseq(out, show, rendering.step(), rendering.media);
-        else
-            write_recording(out, show);
-    });
+    write_file(path, [&](std::ostream& out) { write_show(show, path, rendering, out); });
 }

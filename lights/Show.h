@@ -3,16 +3,16 @@
 #include <animationmodel/Animation.h>
 
 #include <optional>
+#include <ostream>
 #include <string>
 
-/// What goes into the rendered shows that are written, and how much of one may be read.
+/// What goes into the rendered shows that are written.
 struct Rendering {
     unsigned int step() const { return told.value_or(read.value_or(25)); }
 
     std::optional<unsigned int> told; ///< The milliseconds of a step, if somebody says.
     std::optional<unsigned int> read; ///< Those of the first rendered show that was read.
     std::string media;                ///< The file that plays to that one.
-    bool limited = true;              ///< Whether 2 GB of channel data are too much.
 };
 
 /// The show in a file, as a recording would have it: at 1000 frames per second, with a layer for
@@ -26,3 +26,6 @@ Kiv::Animation read_show(const std::string& path, Rendering& rendering);
 /// Writes a show: as JSON where the name of the file ends in ".json", rendered where it ends in
 /// ".fseq", else as a recording.
 void write_show(const Kiv::Animation& show, const std::string& path, const Rendering& rendering);
+/// The same to a stream, as to a file at `path`.
+void write_show(const Kiv::Animation& show, const std::string& path, const Rendering& rendering,
+                std::ostream& out);

@@ -2,12 +2,15 @@
 
 #include "CommandLine.h"
 #include "Dmx.h"
+#include "Files.h"
 #include "Fit.h"
 #include "Labels.h"
 #include "Picture.h"
 #include "Recording.h"
 #include "Show.h"
+#include "ShowLimits.h"
 #include "Terminal.h"
+#include "Text.h"
 #include "Timeline.h"
 #include "olad.h"
 #include "parse.h"
@@ -30,7 +33,7 @@ struct Number {
         const auto number = parse<unsigned int>(word);
         if (!number || *number < least || *number > greatest)
             throw std::runtime_error("needs a number from " + std::to_string(least) + " to " +
-                                     std::to_string(greatest) + ", not \"" + word + "\"");
+                                     std::to_string(greatest) + ", not " + in_quotes(word));
         value = *number;
     }
     operator unsigned int() const { return value; }
@@ -50,7 +53,7 @@ struct Milliseconds {
                 time = *labelled;
         if (!valid())
             throw std::runtime_error(std::string("a time ") + (least > 0 ? "above 0 " : "") +
-                                     "such as 1500 or 1.5s cannot be \"" + word + "\"");
+                                     "such as 1500 or 1.5s cannot be " + in_quotes(word));
         frames = static_cast<unsigned int>(time);
     }
     operator unsigned int() const { return frames; }
@@ -68,6 +71,34 @@ struct Range {
     unsigned int begin, end;
 };
 
+/// Milliseconds as seconds: "0.15 s".
+std::string seconds(std::uint64_t milliseconds) {
+    std::string text = std::to_string(milliseconds / 1000);
+    std::string rest = std::to_string(1000 + milliseconds % 1000);
+    rest[0] = '.';
+    rest.erase(rest.find_last_not_of("0.") + 1);
+    return text.append(rest).append(" s");
+}
+
+/// Throws std::invalid_argument if a show cannot last so many frames.
+void check_length(std::uint64_t frames) {
+    if (frames > mostFrames)
+        throw std::invalid_argument("the show would last " + seconds(frames) + ", and " +
+                                    seconds(mostFrames) + " is the most");
+}
+
+/// Throws std::invalid_argument if intro and outro do not fit into a show.
+void check_parts(const Animation& show) {
+    const std::uint64_t frames = full_duration(show.layers);
+    if (std::uint64_t{show.introSize} + show.outroSize <= frames)
+        return;
+    const bool both = show.introSize > 0 && show.outroSize > 0;
+    throw std::invalid_argument(
+        "the show lasts " + seconds(frames) +
+        (both ? ", its intro " + seconds(show.introSize) + ", its outro " + seconds(show.outroSize)
+              : ""));
+}
+
 void rotation(Animation& show, Number<0, 255> pulse, Number<0, 255> rest, Duration rise,
               Duration fall, Duration step) {
     show = Rotation(static_cast<float>(pulse), static_cast<float>(rest), rise, fall, step);
@@ -80,6 +111,7 @@ void rotation(Animation& show, Number<0, 255> pulse, Number<0, 255> rest, Durati
 /// Where the show laid over it sends nothing, the show goes on: keys end there.
 void override_with(Animation& show, Animation&& other, Time at) {
     const unsigned int duration = show.durationInFrames();
+    check_length(std::uint64_t{at} + other.durationInFrames());
     for (auto& [name, layer] : other.layers) {
         show.fillInLayer(name, duration);
         unsigned int end = at;
@@ -97,26 +129,38 @@ void override_with(Animation& show, Animation&& other, Time at) {
 
 /// Writes pieces whose names are numbered, before ".fseq" or ".json" if that is how they end.
 void split(const Animation& show, Duration step, const File& file, const Rendering& rendering) {
+    const std::uint64_t count = (full_duration(show.layers) + step - 1) / step;
+    if (count > limits.files)
+        throw std::invalid_argument(std::to_string(count) + " files are more than " +
+                                    std::to_string(limits.files) +
+                                    "; --no-limit writes them all the same");
     std::vector<Animation> pieces = show.splitEach(step, true, true);
     std::erase_if(pieces, [](const Animation& piece) { return piece.empty(); });
     const std::size_t width = std::to_string(pieces.size()).size();
     const std::size_t kind = file.ends_with(".fseq") || file.ends_with(".json") ? 5 : 0;
+    std::vector<File> paths;
     for (std::size_t i = 1; i <= pieces.size(); ++i) {
         std::string number = std::to_string(i);
         number.insert(0, width - number.size(), '0');
-        write_show(pieces[i - 1], File(file).insert(file.size() - kind, number), rendering);
+        paths.push_back(File(file).insert(file.size() - kind, number));
     }
+    write_files(paths, [&](std::size_t index, std::ostream& out) {
+        write_show(pieces[index], paths[index], rendering, out);
+    });
 }
 
 void draw(const Animation& show, const File& file) {
     write_file(file, [&](std::ostream& out) { write_svg(out, "A light show", show); });
 }
 
-using Action = std::function<void(Animation&)>;
+struct Action {
+    std::string said; ///< The option and its words.
+    std::function<void(Animation&)> act;
+};
 using Actions = std::vector<Action>;
 
-Action action(const std::function<void(Animation&, Range)>& act, const Words& words,
-              const Labels& labels) {
+std::function<void(Animation&)> action(const std::function<void(Animation&, Range)>& act,
+                                       const Words& words, const Labels& labels) {
     const Range range{Time(words[0], labels), Time(words[1], labels)};
     return [=](Animation& show) { act(show, range); };
 }
@@ -131,12 +175,24 @@ Argument argument(const std::string& word, const Labels& labels) {
 
 /// `act` with the words after an option for arguments.
 template <class Show, class... Arguments>
-Action action(const std::function<void(Show, Arguments...)>& act, const Words& words,
-              const Labels& labels) {
+std::function<void(Animation&)> action(const std::function<void(Show, Arguments...)>& act,
+                                       const Words& words, const Labels& labels) {
     [[maybe_unused]] auto word = words.begin();
     const std::tuple<std::decay_t<Arguments>...> arguments{
         argument<std::decay_t<Arguments>>(*word++, labels)...};
     return [=](Animation& show) { std::apply(act, std::tuple_cat(std::tie(show), arguments)); };
+}
+
+/// Runs an action. What is wrong with its numbers is said after its name, what is wrong with a file
+/// after that of the file.
+void run(const Action& action, Animation& show) {
+    try {
+        action.act(show);
+        check_length(full_duration(show.layers));
+        check_parts(show);
+    } catch (const std::invalid_argument& error) {
+        throw std::runtime_error(action.said + ": " + error.what());
+    }
 }
 
 void run(Actions inputs, const Actions& edits, const Actions& outputs) {
@@ -144,14 +200,10 @@ void run(Actions inputs, const Actions& edits, const Actions& outputs) {
         throw std::runtime_error("needs a FILE or --rotation, and not both");
     Animation show(1000);
     inputs.insert(inputs.end(), edits.begin(), edits.end());
-    for (const auto& change : inputs) {
-        change(show);
-        const std::uint64_t frames = show.durationInFrames();
-        if (frames > mostFrames || std::uint64_t{show.introSize} + show.outroSize > frames)
-            throw std::runtime_error("the show is too long, or too short for intro and outro");
-    }
-    for (const auto& output : outputs)
-        output(show);
+    for (const Action& change : inputs)
+        run(change, show);
+    for (const Action& output : outputs)
+        run(output, show);
     if (outputs.empty())
         print_timeline(std::cout, show, terminal_width(), coloured());
 }
@@ -172,8 +224,11 @@ int main(int argc, char** argv) {
                          auto act) {
         const auto take = [&, name, act](const Words& given) {
             actions.emplace_back([&, name, act, given] {
+                std::string said(name[0] == '-' ? name : "");
+                for (const std::string& word : given)
+                    said.append(said.empty() ? "" : " ").append(printable(word));
                 try {
-                    taken.push_back(action(std::function(act), given, labels));
+                    taken.push_back({said, action(std::function(act), given, labels)});
                 } catch (const std::runtime_error& error) {
                     throw std::runtime_error(std::string(name) + ": " + error.what());
                 }
@@ -193,10 +248,15 @@ int main(int argc, char** argv) {
         [](Animation& show, Range range) { show.remove(range.begin, range.end - range.begin); });
     add(edits, "--insert", "FILE AT", "inserts a show",
         [&](Animation& show, const File& file, Time at) {
-            show.insert(read_show(file, rendering), at);
+            const Animation other = read_show(file, rendering);
+            check_length(std::max<std::uint64_t>(show.durationInFrames(), at) +
+                         other.durationInFrames());
+            show.insert(other, at);
         });
     add(edits, "--append", "FILE", "appends a show", [&](Animation& show, const File& file) {
-        show.pushBack(read_show(file, rendering), true, true);
+        const Animation other = read_show(file, rendering);
+        check_length(std::uint64_t{show.durationInFrames()} + other.durationInFrames());
+        show.pushBack(other, true, true);
     });
     add(edits, "--override", "FILE AT", "lays a show over",
         [&](Animation& show, const File& file, Time at) {
@@ -207,7 +267,11 @@ int main(int argc, char** argv) {
     add(edits, "--outro", "T", "the last T do not loop",
         [](Animation& show, Time size) { show.outroSize = size; });
     add(edits, "--loop", "N", "plays N times what lies between intro and outro",
-        [](Animation& show, Number<0, mostFrames> n) { show = show.loop(n, false, false); });
+        [](Animation& show, Number<0, mostFrames> n) {
+            const std::uint64_t parts = std::uint64_t{show.introSize} + show.outroSize;
+            check_length(parts + (show.durationInFrames() - parts) * n);
+            show = show.loop(n, false, false);
+        });
     add(edits, "--last", "T", "plays faster or slower, to last T",
         [](Animation& show, Time frames) { stretch_to(show, frames.frames); });
     add(edits, "--fit", "", "joins keys: the values at the start of each step stay",
@@ -229,8 +293,9 @@ int main(int argc, char** argv) {
     options.push_back({"--labels", "FILE",
                        "names times by the labels of Audacity: verse, verse:end",
                        [&](const Words& words) { labels.read(words[0]); }});
-    options.push_back({"--no-limit", "", "reads .fseq files of more than 2 GB, too",
-                       [&](const Words&) { rendering.limited = false; }});
+    options.push_back({"--no-limit", "",
+                       "reads and writes more than 1 GB, splits in more than 1000",
+                       [](const Words&) { limits = unlimited; }});
     const CommandLine line{
         "lightshow", "Edits light shows. A time is milliseconds, seconds with an s, or a label.",
         options, [&] {

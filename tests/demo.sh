@@ -24,7 +24,7 @@ expect 2 'demo: STEP: cannot be "4294967296"' 1 0 4 10 4294967296
 expect 2 'demo: --svg: ' --svg
 expect 2 'demo: --svg: needs a word' --svg --play
 expect 2 'demo: --svg: needs a word' --svg ''
-expect 2 'demo: cannot write ./none/a.svg: No such file' --svg ./none/a.svg
+expect 1 'demo: cannot write ./none/a.svg: no such folder' --svg ./none/a.svg
 expect 1 'demo: --play needs a terminal' --play
 
 fail() {

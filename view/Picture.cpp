@@ -2,6 +2,7 @@
 
 #include "Colour.h"
 #include "Measures.h"
+#include "Text.h"
 #include <animationmodel/play.h>
 
 #include <algorithm>
@@ -40,26 +41,6 @@ rect.none { fill: none; stroke: #8c959f; stroke-dasharray: 3 3; }
 .now { fill: #ff7b72; }
 </style>
 )";
-
-/// How many bytes at the start of `text`, which is not empty, are one character in UTF-8; 0 if they
-/// are none that XML may hold.
-std::size_t character(std::string_view text) {
-    const auto first = static_cast<unsigned char>(text[0]);
-    const std::size_t size = first < 0x80 ? 1 : first < 0xe0 ? 2 : first < 0xf0 ? 3 : 4;
-    if (text.size() < size || (first >= 0x80 && first < 0xc2) || first > 0xf4)
-        return 0;
-    unsigned int code = size == 1 ? first : first & (0x7fU >> size);
-    for (const char next : text.substr(1, size - 1)) {
-        if ((static_cast<unsigned char>(next) & 0xc0U) != 0x80)
-            return 0;
-        code = code << 6 | (static_cast<unsigned char>(next) & 0x3fU);
-    }
-    const unsigned int least[] = {0x20, 0x80, 0x800, 0x10000};
-    const bool surrogate = code >= 0xd800 && code < 0xe000;
-    const bool allowed = code >= least[size - 1] && !surrogate && code < 0x110000 && code != 0x7f &&
-                         code != 0xfffe && code != 0xffff;
-    return allowed ? size : 0;
-}
 
 /// As XML has it: what it may not hold becomes the replacement character.
 std::string escaped(std::string_view text) {
