@@ -3,7 +3,10 @@
 #include "Text.h"
 #include "parse.h"
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
+#include <limits>
 #include <stdexcept>
 #include <string_view>
 
@@ -28,28 +31,100 @@ std::pair<unsigned int, unsigned int> channel_of(const std::string& layer) {
 }
 
 std::uint8_t dmx_value(float value) {
-    return static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.F, 255.F)));
+    return value > 0 ? static_cast<std::uint8_t>(std::lround(std::min(value, 255.F))) : 0;
 }
 
-DmxPlayer::DmxPlayer(const LayerMap& layers) : player(layers) {
-    for (const Track& track : player) {
-        const auto [universe, channel] = channel_of(track.name());
-        places.emplace_back(universe, channel - 1);
+void settle(LayerMap& layers) {
+    const std::uint64_t duration = full_duration(layers);
+    for (auto& [name, keys] : layers) {
+        AnimationKeyCommand kept = NoValue;
+        std::uint64_t end = 0;
+        for (AnimationKey& key : keys) {
+            const AnimationKeyArgs& args = key.command.args;
+            if (key.command.effect == Wait)
+                key.command = kept;
+            else
+                kept = args.empty() ? AnimationKeyCommand(NoValue)
+                                    : AnimationKeyCommand(Hold, {args[args.size() - 1]});
+            end += key.duration;
+        }
+        if (end < duration)
+            keys.emplace_back(kept, static_cast<unsigned int>(duration - end));
+    }
+}
+
+DmxPlayer::DmxPlayer(LayerMap given) : layers(std::move(given)) {
+    settle(layers);
+    for (const auto& [name, keys] : layers) {
+        const auto [universe, channel] = channel_of(name);
+        due.emplace_back(0, channels.size());
+        channels.push_back({universe, channel - 1, &keys});
+        universes[universe];
     }
 }
 
 const Universes& DmxPlayer::seek(unsigned int frame) {
-    player.seek(frame);
-    next = std::numeric_limits<unsigned int>::max();
-    for (auto& [number, values] : universes)
-        values.clear();
-    for (std::size_t i = 0; i < player.size(); ++i) {
-        next = std::min(next, player[i].nextChange());
-        std::vector<std::uint8_t>& values = universes[places[i].first];
-        if (const auto value = player[i].value()) {
-            values.resize(places[i].second + 1);
-            values.back() = dmx_value(*value);
-        }
+    changed.clear();
+    while (!due.empty() && due.front().first <= frame) {
+        std::pop_heap(due.begin(), due.end(), std::greater<>());
+        Channel& channel = channels[due.back().second];
+        show(channel, channel.seek(frame));
+        due.back().first = channel.next;
+        std::push_heap(due.begin(), due.end(), std::greater<>());
+        changed.push_back(channel.universe);
     }
+    std::sort(changed.begin(), changed.end());
+    changed.erase(std::unique(changed.begin(), changed.end()), changed.end());
+    constexpr std::uint64_t never = std::numeric_limits<unsigned int>::max();
+    next = static_cast<unsigned int>(due.empty() ? never : std::min(never, due.front().first));
     return universes;
+}
+
+void DmxPlayer::show(const Channel& channel, std::optional<std::uint8_t> level) {
+    std::vector<std::uint8_t>& values = universes[channel.universe];
+    std::vector<bool>& has = lit[channel.universe];
+    if (level && values.size() <= channel.index) {
+        values.resize(channel.index + 1);
+        has.resize(channel.index + 1);
+    }
+    if (channel.index >= values.size())
+        return;
+    values[channel.index] = level.value_or(0);
+    has[channel.index] = level.has_value();
+    while (!has.empty() && !has.back())
+        has.pop_back();
+    values.resize(has.size());
+}
+
+std::optional<std::uint8_t> DmxPlayer::Channel::seek(unsigned int frame) {
+    for (; key < keys->size() && frame - begin >= (*keys)[key].duration; ++key)
+        begin += (*keys)[key].duration;
+    next = std::numeric_limits<std::uint64_t>::max();
+    if (key == keys->size())
+        return std::nullopt;
+    next = begin + (*keys)[key].duration;
+    if ((*keys)[key].command.args.empty())
+        return std::nullopt;
+    // The level rises or falls all the way, so that the frame on which it changes can be searched.
+    const std::uint8_t level = levelAt(frame);
+    std::uint64_t same = frame;
+    for (std::uint64_t step = 1; same + step < next; step *= 2) {
+        if (levelAt(same + step) != level)
+            next = same + step;
+        else
+            same += step;
+    }
+    while (next - same > 1) {
+        const std::uint64_t middle = same + (next - same) / 2;
+        (levelAt(middle) == level ? same : next) = middle;
+    }
+    return level;
+}
+
+std::uint8_t DmxPlayer::Channel::levelAt(std::uint64_t frame) const {
+    const AnimationKey& played = (*keys)[key];
+    const AnimationKeyArgs& args = played.command.args;
+    const auto passed = static_cast<unsigned int>(frame - begin);
+    const bool moves = args.size() > 1 && passed > 0;
+    return dmx_value(moves ? transition_value(args[0], args[1], passed, played.duration) : args[0]);
 }

@@ -6,6 +6,8 @@
 #include "Text.h"
 #include "parse.h"
 
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <filesystem>
 #include <stdexcept>
@@ -28,6 +30,12 @@ unsigned int take_number(std::string_view& text, char after, unsigned int greate
         throw std::runtime_error(std::string(name) + " cannot be " + in_quotes(word));
     text.remove_prefix(std::min(text.size(), word.size() + 1));
     return *number;
+}
+
+std::string& append_number(std::string& text, unsigned int number) {
+    std::array<char, std::numeric_limits<unsigned int>::digits10 + 1> digits{};
+    const auto written = std::to_chars(digits.data(), digits.data() + digits.size(), number);
+    return text.append(digits.data(), written.ptr);
 }
 
 struct Channel {
@@ -61,6 +69,10 @@ struct Reader {
     }
 
     Animation finish() {
+        for (auto& [number, row] :
+             channels) // a universe that never sends keeps its time all the same
+            if (row.empty())
+                row.push_back({&show.layers[channel_name(number, 1)]});
         for (auto& [number, row] : channels)
             for (Channel& channel : row)
                 channel.change(std::max(now, sent + 1), Wait);
@@ -131,19 +143,22 @@ void write_recording(std::ostream& out, const Animation& show) {
     unsigned int written = 0; // the frame of the last line of values
     std::string text = "OLA Show\n";
     for (unsigned int frame = 0; frame < end; frame = player.next) {
-        for (const auto& [number, values] : player.seek(frame)) {
+        const Universes& universes = player.seek(frame);
+        for (const unsigned int number : player.changed) {
+            const std::vector<std::uint8_t>& values = universes.at(number);
             if (!last.empty() && values == last[number])
                 continue;
             if (!last.empty())
-                text += std::to_string(frame - written) + "\n";
-            text += std::to_string(number) + (values.empty() ? " " : "");
+                append_number(text, frame - written).push_back('\n');
+            append_number(text, number).append(values.empty() ? " " : "");
             for (std::size_t i = 0; i < values.size(); ++i)
-                text.append(1, i == 0 ? ' ' : ',').append(std::to_string(values[i]));
+                append_number(text.append(1, i == 0 ? ' ' : ','), values[i]);
             text += "\n";
             last[number] = values;
             written = frame;
         }
-        out << std::exchange(text, {});
+        out << text;
+        text.clear();
         progress.at(frame, end);
     }
     out << text << (end > 0 ? std::to_string(end - written) + "\n" : "");

@@ -56,12 +56,15 @@ Animation read_show(const std::string& path, Rendering& rendering) {
 
 void write_show(const Animation& show, const std::string& path, const Rendering& rendering,
                 std::ostream& out) {
-    if (path.ends_with(".json"))
+    if (path.ends_with(".json")) {
         out << animation_to_json(show);
-    else if (path.ends_with(".fseq"))
-        write_fseq(out, show, rendering.step(), rendering.media);
-    else
+    } else if (path.ends_with(".fseq")) {
+        Animation played = show;
+        settle(played.layers);
+        write_fseq(out, played, rendering.step(), rendering.media);
+    } else {
         write_recording(out, show);
+    }
 }
 
 void write_show(const Animation& show, const std::string& path, const Rendering& rendering) {

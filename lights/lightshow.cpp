@@ -108,15 +108,16 @@ void rotation(Animation& show, Number<0, 255> pulse, Number<0, 255> rest, Durati
         show.layers[channel_name(1, ++channel)] = layer;
 }
 
-/// Where the show laid over it sends nothing, the show goes on: keys end there.
+/// Where the show laid over it sends nothing, or waits, the show goes on: keys end there.
 void override_with(Animation& show, Animation&& other, Time at) {
-    const unsigned int duration = show.durationInFrames();
     check_length(std::uint64_t{at} + other.durationInFrames());
+    for (const auto& [name, layer] : other.layers)
+        show.layers[name]; // so that it sends nothing where the other show does not
+    settle(show.layers);
     for (auto& [name, layer] : other.layers) {
-        show.fillInLayer(name, duration);
         unsigned int end = at;
         for (AnimationKey& key : layer) {
-            if (key.command.effect == NoValue) {
+            if (key.command.args.empty()) {
                 key.command.effect = Wait;
                 show.removeInLayer(name, end, 0);
             }
@@ -134,7 +135,9 @@ void split(const Animation& show, Duration step, const File& file, const Renderi
         throw std::invalid_argument(std::to_string(count) + " files are more than " +
                                     std::to_string(limits.files) +
                                     "; --no-limit writes them all the same");
-    std::vector<Animation> pieces = show.splitEach(step, true, true);
+    Animation whole = show;
+    settle(whole.layers);
+    std::vector<Animation> pieces = whole.splitEach(step, true, true);
     std::erase_if(pieces, [](const Animation& piece) { return piece.empty(); });
     const std::size_t width = std::to_string(pieces.size()).size();
     const std::size_t kind = file.ends_with(".fseq") || file.ends_with(".json") ? 5 : 0;
@@ -150,7 +153,9 @@ void split(const Animation& show, Duration step, const File& file, const Renderi
 }
 
 void draw(const Animation& show, const File& file) {
-    write_file(file, [&](std::ostream& out) { write_svg(out, "A light show", show); });
+    Animation played = show;
+    settle(played.layers);
+    write_file(file, [&](std::ostream& out) { write_svg(out, "A light show", played); });
 }
 
 struct Action {
@@ -241,16 +246,21 @@ int main(int argc, char** argv) {
     add(inputs, "--rotation", "PULSE REST RISE FALL STEP",
         "instead: the preset on channels 1 to 8 of universe 1", rotation);
     add(edits, "--keep", "FROM TO", "keeps what lies between", [](Animation& show, Range range) {
+        settle(show.layers);
         show.remove(range.end, mostFrames);
         show.remove(0, range.begin);
     });
     add(edits, "--remove", "FROM TO", "removes what lies between",
-        [](Animation& show, Range range) { show.remove(range.begin, range.end - range.begin); });
+        [](Animation& show, Range range) {
+            settle(show.layers);
+            show.remove(range.begin, range.end - range.begin);
+        });
     add(edits, "--insert", "FILE AT", "inserts a show",
         [&](Animation& show, const File& file, Time at) {
             const Animation other = read_show(file, rendering);
             check_length(std::max<std::uint64_t>(show.durationInFrames(), at) +
                          other.durationInFrames());
+            settle(show.layers);
             show.insert(other, at);
         });
     add(edits, "--append", "FILE", "appends a show", [&](Animation& show, const File& file) {
@@ -270,6 +280,7 @@ int main(int argc, char** argv) {
         [](Animation& show, Number<0, mostFrames> n) {
             const std::uint64_t parts = std::uint64_t{show.introSize} + show.outroSize;
             check_length(parts + (show.durationInFrames() - parts) * n);
+            settle(show.layers);
             show = show.loop(n, false, false);
         });
     add(edits, "--last", "T", "plays faster or slower, to last T",

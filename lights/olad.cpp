@@ -12,12 +12,13 @@
 
 namespace {
 
-/// Sends what the channels show on one frame; those without a value are dark.
-void send(ola::client::StreamingClient& daemon, const Universes& universes) {
+/// Sends what the channels show on one frame; those without a value, or all, are dark.
+void send(ola::client::StreamingClient& daemon, const Universes& universes, bool dark = false) {
     for (const auto& [number, values] : universes) {
         ola::DmxBuffer buffer;
         buffer.Blackout();
-        buffer.SetRange(0, values.data(), static_cast<unsigned int>(values.size()));
+        if (!dark)
+            buffer.SetRange(0, values.data(), static_cast<unsigned int>(values.size()));
         if (!daemon.SendDmx(number, buffer))
             throw Failure("olad went away");
     }
@@ -42,7 +43,7 @@ void play_by_olad(const Kiv::Animation& show, unsigned int rate) {
         frame = static_cast<unsigned int>(std::min<std::uint64_t>(count * 1000 / rate, end));
         std::this_thread::sleep_until(start + std::chrono::milliseconds(frame));
     }
-    send(daemon, player.seek(end));
+    send(daemon, player.seek(end), /*dark=*/true);
     // Were the connection closed at once, this last frame could be lost with it.
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
 }

@@ -136,6 +136,16 @@ little_memory sh -c '{ echo "{"; cat /dev/zero; } | "$0" - --write out' "$lights
     fail 'reads an endless file'
 grep -qx 'lightshow: standard input: line 2, column 1: unexpected "\\u0000"' said ||
     fail "says of an endless file: $(cat said)"
+# Writing takes as long as what is written, however many universes or milliseconds there are.
+quickly() { prlimit --as=2000000000 --cpu=2 "$lightshow" "$@" --write out || fail "$* takes too long"; }
+quickly --rotation 255 0 500000s 500000s 1s
+[ "$(wc -l <out)" -gt 4000 ] || fail 'writes too little of a slow rotation'
+{
+    echo 'OLA Show'
+    for universe in $(seq 8000); do printf '%s 1\n0\n%s 2\n1\n' "$universe" "$universe"; done
+} >universes
+quickly universes
+[ "$(wc -l <out)" = 16001 ] || fail "writes $(wc -l <out) lines of many universes"
 "$lightshow" a --last 1001 --split 1 p --no-limit
 [ "$(echo p*[0-9] | wc -w)" = 1001 ] || fail 'splits into no 1001 files'
 rm p*[0-9]

@@ -41,8 +41,9 @@ makes '1 10,20 100 1 30 50' a
 makes '1 10,20 50 1 30 20' a --keep 50 120
 makes '1 10,20 50 1 30 50' a --keep 0.05s 1s
 makes '1 10,20 50 1 30 30' a --remove 50 120
-makes '1 10,20 50 1 9 0 2 7 20 2 8 20 1 10,20 0 2  50 1 30 50' a --insert b 50
-makes '1 10,20 100 1 30 50 1  20 1 9 0 2 7 20 2 8 20' a --insert b 170
+# channels that are not in what is inserted keep what they had, and so do its own after it
+makes '1 10,20 50 1 9,20 0 2 7 20 2 8 20 1 10,20 50 1 30 50' a --insert b 50
+makes '1 10,20 100 1 30 70 1 9 0 2 7 20 2 8 20' a --insert b 170
 makes '1 10,20 100 1 30 50 1 9 0 2 7 20 2 8 20' --append b a
 makes '1 10,20 50 1 9,20 0 2 7 20 2 8 20 1 10,20 0 2  10 1 30 50' a --override b 50
 makes '1 10,20 100 1 30 20 1 10,20 60 1 30 50' a --intro 40 --outro 30 --loop 2
@@ -66,6 +67,41 @@ makes '1 10,20 50' a --keep verse verse:end --labels labels --labels labels2
 makes '1 10,20 20 1 30 50' a --remove 0 30 --keep verse 'last chorus' --labels labels
 makes '1 10,20 100 1 30 40' a --labels labels --remove 140 200
 makes '1 10,20 80 1 30 40' a --labels labels --last verse:end
+
+# a show that sends nothing lasts as long, alone and within others
+printf 'OLA Show\n1 9\n50\n' >nine
+printf 'OLA Show\n1 \n1000\n' >silent
+makes '1 9 50 1  1000 1 9 50' nine --append silent --append nine
+makes '1  1000' silent
+makes '1  300 1 9 50' silent --keep 0 300 --append nine
+
+# a channel that waits keeps the end of what it had: before that, and after NoValue, it has nothing
+waits() { # what is written of it, on one line, then the keys of two channels, and edits
+    expected=$1
+    printf '{"fps": 1000, "layers": {"1.1": [%s], "1.2": [%s]}}' "$2" "$3" >waiting.json
+    shift 3
+    makes "$expected" waiting.json "$@"
+}
+wait10='["Wait", [], 10]' one='["Hold", [1], 10]' none='["NoValue", [], 10]'
+waits '1 1 30' "$one, $wait10, $wait10" ''
+waits '1 1 20' "$one" "$wait10, $wait10"
+waits '1  10 1 1 10' "$wait10, $one" ''
+waits '1 1 10 1  20' "$one, $none, $wait10" ''
+waits '1 1 10 1 0,1 20' "$one, $none, $wait10" "$wait10, $one" --append waiting.json --keep 0 0.03s
+waits '1 0 1 1 1 1 1 3 10' '["Transition", [0, 2.6], 2], ["Wait", [], 10]' '' --append nine --keep 0 12
+# what was kept is kept where the show is cut
+waits '1 1 20' "$one, $wait10, $wait10" '' --keep 5 25
+waits '1 1 20' "$one, $wait10, $wait10" '' --remove 0 10
+waits '1 1 25 1 9 50 1 1 5' "$one, $wait10, $wait10" '' --insert nine 25
+waits '1 1 15 1 9 50 1 1 5' "$one, $wait10, $wait10, $wait10, $wait10, $wait10, $wait10" '' --override nine 15
+waits '1 1,2 10 1 0,2 10' "$one, $none, $wait10" '["Hold", [2], 5]' --remove 10 20
+waits '1 1 30' "$one, $wait10, $wait10" '' --outro 10 --loop 1
+"$lightshow" waiting.json --split 20 waited
+[ "$(sed 1d waited2 | tr '\n' ' ')" = '1 1 10 ' ] || fail 'forgets what a channel had where it is split'
+
+printf '{"fps": 1000, "layers": {"1.1": [["Hold", [7], 100], ["Wait", [], 100]]}}' >in
+"$lightshow" in --write waited.fseq
+makes '1 7 200' waited.fseq
 
 # animations as JSON: ends at the nearest millisecond, a Transition played, parts that stay parts
 printf '{"fps": 300, "introSize": 1, "outroSize": 4, "layers": {"1.2": [["Hold", [7], 1],
