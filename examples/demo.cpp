@@ -133,7 +133,7 @@ void play(const Animation& animation) {
     const bool lamps = coloured() && std::string_view(nl_langinfo(CODESET)) == "UTF-8";
     Player player(animation.layers);
     catch_interrupts();
-    std::cout << "\x1b[?25l";
+    const PlayingTerminal terminal;
     const auto start = std::chrono::steady_clock::now();
     for (std::uint64_t count = 0; interrupted == 0 && std::cout; ++count) {
         const auto frame = static_cast<unsigned int>(count % duration);
@@ -144,7 +144,6 @@ void play(const Animation& animation) {
         std::cout << "frame " << frame << " of " << duration << "\x1b[K" << std::flush;
         std::this_thread::sleep_until(start + frameTime * static_cast<double>(count + 1));
     }
-    std::cout << "\r\x1b[K\x1b[?25h" << std::flush;
 }
 
 void run(const Options& options) {

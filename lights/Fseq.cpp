@@ -401,7 +401,7 @@ Sequence read_fseq(std::istream& in, const std::string& name, bool limited) {
     try {
         const Header header(in);
         check_size(header, rest_of(in), limited);
-        Progress progress{"reading " + name};
+        Progress progress("reading " + name);
         const Bytes data = read_data(in, header, progress);
         Sequence sequence{Animation(1000), header.step, header.media};
         add_keys(add_layers(sequence.show.layers, header), data, header);
@@ -426,7 +426,7 @@ void write_fseq(std::ostream& out, const Animation& show, unsigned int step,
                   static_cast<std::streamsize>(bytes.size()));
     };
     write(header);
-    Progress progress{"writing"};
+    Progress progress("writing");
     std::vector<Output> outputs = outputs_of(show.layers, ranges);
     // Many steps of a channel before those of the next one, whose keys are elsewhere in memory.
     constexpr std::uint64_t blockBytes = std::uint64_t{1} << 22;

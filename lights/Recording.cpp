@@ -110,7 +110,7 @@ struct Reader {
 Animation read_recording(std::istream& in, const std::string& name) {
     std::error_code unknown; // where it is called after no regular file
     const auto size = static_cast<double>(std::filesystem::file_size(name, unknown));
-    Progress progress{"reading " + name};
+    Progress progress("reading " + printable(name));
     Reader reader;
     std::vector<char> line(longestLine);
     std::uint64_t done = 0;
@@ -136,7 +136,7 @@ Animation read_recording(std::istream& in, const std::string& name) {
 }
 
 void write_recording(std::ostream& out, const Animation& show) {
-    Progress progress{"writing"};
+    Progress progress("writing");
     DmxPlayer player(show.layers);
     Universes last;
     const unsigned int end = show.durationInFrames();

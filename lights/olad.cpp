@@ -37,9 +37,11 @@ void play_by_olad(const Kiv::Animation& show, unsigned int rate) {
     DmxPlayer player(show.layers);
     const unsigned int end = show.durationInFrames(); // milliseconds
     const auto start = std::chrono::steady_clock::now();
+    Progress progress("playing");
     unsigned int frame = 0;
     for (std::uint64_t count = 1; interrupted == 0 && frame < end; ++count) {
         send(daemon, player.seek(frame));
+        progress.at(frame, end);
         frame = static_cast<unsigned int>(std::min<std::uint64_t>(count * 1000 / rate, end));
         std::this_thread::sleep_until(start + std::chrono::milliseconds(frame));
     }

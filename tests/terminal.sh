@@ -65,7 +65,7 @@ frame    0
 plays() { # signal, the environment, what lights look like
     played=$(on_terminal "$2 timeout -s $1 1 '$demo' --play" | tail -n 1)
     case $played in
-    "^?25l  $3 $3 $3 $3 $3 $3 $3 $3 frame 0 of 115^K"*"^K^?25h") ;;
+    "^?25l^?7l  $3 $3 $3 $3 $3 $3 $3 $3 frame 0 of 115^K"*"^K^?7h^?25h") ;;
     *)
         printf 'terminal.sh: ended by %s, the demo plays\n%.300s\n' "$1" "$played" >&2
         return 1
@@ -79,3 +79,17 @@ second=$!
 plays INT LC_ALL=C .
 wait $first
 wait $second
+
+# While it is stopped the cursor is there, and it is hidden again when it goes on.
+stopped=$(on_terminal "'$demo' --play & player=\$!; sleep 0.5; kill -s TSTP \$player; sleep 0.3
+    echo; echo stopped; kill -s CONT \$player; sleep 0.3; kill -s TERM \$player; wait \$player" |
+    grep -A 2 stopped -B 1)
+case $stopped in
+*'^?7h^?25h
+stopped
+^?25l^?7l'*'^?7h^?25h') ;;
+*)
+    printf 'terminal.sh: stopped, the demo plays\n%.700s\n' "$stopped" >&2
+    exit 1
+    ;;
+esac

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <iostream>
+#include <string_view>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -26,11 +27,48 @@ void catch_interrupts() {
     std::signal(SIGTERM, [](int) { interrupted = 1; });
 }
 
+namespace {
+
+constexpr std::string_view hidden = "\x1b[?25l\x1b[?7l";
+constexpr std::string_view givenBack = "\r\x1b[K\x1b[?7h\x1b[?25h";
+
+void put(std::string_view signs) {
+    static_cast<void>(!write(STDOUT_FILENO, signs.data(), signs.size()));
+}
+
+void stop(int /*signal*/) {
+    put(givenBack);
+    raise(SIGSTOP); // it goes on here
+    put(hidden);
+}
+
+} // namespace
+
+PlayingTerminal::PlayingTerminal() {
+    std::cout.flush();
+    std::signal(SIGTSTP, stop);
+    put(hidden);
+}
+
+PlayingTerminal::~PlayingTerminal() {
+    std::cout.flush();
+    put(givenBack);
+    std::signal(SIGTSTP, SIG_DFL);
+}
+
+Progress::~Progress() {
+    if (shown)
+        std::cerr << "\x1b[K";
+}
+
 void Progress::at(double done, double all) {
     const auto now = std::chrono::steady_clock::now();
     if (now < next || isatty(STDERR_FILENO) == 0)
         return;
     next = now + std::chrono::milliseconds(100);
-    // What is written next begins over the line.
-    std::cerr << job << " ... " << std::floor(100 * done / all) << " %\x1b[K\r";
+    shown = true;
+    // What is written next begins over the line, which does not go on in the next one.
+    std::cerr << "\x1b[?7l" + job + " ... " +
+                     std::to_string(std::lround(std::floor(100 * done / all))) +
+                     " %\x1b[K\r\x1b[?7h";
 }

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <csignal>
 #include <string>
+#include <utility>
 
 /// Whether the standard output is a terminal.
 bool on_terminal();
@@ -17,11 +18,29 @@ bool coloured();
 void catch_interrupts();
 extern volatile std::sig_atomic_t interrupted;
 
+/// Hides the cursor of the terminal as long as this lives, and lets no line go on in the next one.
+/// While the program is stopped, as by Ctrl-Z, the terminal is as it was.
+class PlayingTerminal {
+public:
+    PlayingTerminal();
+    PlayingTerminal(const PlayingTerminal&) = delete;
+    PlayingTerminal& operator=(const PlayingTerminal&) = delete;
+    ~PlayingTerminal();
+};
+
 /// Shows on stderr, if that is a terminal, how far a job has come that takes longer than a second.
-struct Progress {
+class Progress {
+public:
+    explicit Progress(std::string job) : job(std::move(job)) {}
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+    ~Progress();
+
     void at(double done, double all);
 
+private:
     std::string job;
     std::chrono::steady_clock::time_point next =
         std::chrono::steady_clock::now() + std::chrono::seconds(1);
+    bool shown = false;
 };
