@@ -9,8 +9,9 @@
 #include <animationmodel/json.h>
 #include <animationmodel/retime.h>
 
-#include <cctype>
+#include <cstdio>
 #include <stdexcept>
+#include <string_view>
 #include <utility>
 
 using namespace Kiv;
@@ -36,15 +37,24 @@ Animation take_rendered(Sequence sequence, Rendering& rendering) {
     return std::move(sequence.show);
 }
 
+/// Of the three bytes that some programs write before a text, those that are there.
+void skip_byte_order_mark(std::istream& in) {
+    for (const int byte : {0xef, 0xbb, 0xbf})
+        if (in.peek() == byte)
+            in.get();
+}
+
 } // namespace
 
 Animation read_show(const std::string& path, Rendering& rendering) {
     InputFile file(path);
+    skip_byte_order_mark(*file.stream);
     const int first = file.stream->peek(); // a pipe can be read only once
     if (first == 'P')
         return take_rendered(read_fseq(*file.stream, file.name, limits.bytes < unlimited.bytes),
                              rendering);
-    if (first != '{' && std::isspace(first) == 0)
+    const std::string_view begins(" \t\r\n{[\"/#"); // what JSON, or what looks like it, begins with
+    if (first == EOF || begins.find(static_cast<char>(first)) == begins.npos)
         return read_recording(*file.stream, file.name);
     const std::string text = file.text();
     try {

@@ -124,6 +124,9 @@ shows() { # what is written of it, on one line, then the animation
 }
 # blanks before, and no frame rate
 shows '1 7 40' ' \n{"layers": {"1.1": [["Hold", [7], 1]]}}'
+# after a byte order mark, recordings as well
+shows '1 7 40' '\357\273\277{"layers": {"1.1": [["Hold", [7], 1]]}}'
+shows '1 7 40' '\357\273\277OLA Show\n1 7\n40\n'
 # values that no channel can have
 shows '1 0 10 1 255 20' '{"fps": 100, "layers": {"1.1": [["Hold", [-1], 1], ["Hold", [256], 2]]}}'
 # the last channel, and the longest show
@@ -180,6 +183,10 @@ is_none '3: a time in milliseconds cannot be "1 0"' 'OLA Show\n1 0\n1 0\n'
 is_none '3: a time in milliseconds cannot be "2147483647"' 'OLA Show\n1 0\n2147483647\n'
 is_none '3: a time in milliseconds cannot be ""' 'OLA Show\n1 0\n\n'
 is_none '5: a time in milliseconds cannot be "1"' 'OLA Show\n1 0\n2147483646\n1 1\n1\n'
+is_none ' line 1, column 1: invalid literal at "/"' '// a show\n{}'
+is_none ' line 1, column 3: invalid literal at "/"' '{ /* a show */ }'
+is_none ' line 1, column 1: invalid literal at "#"' '# a show\n{}'
+is_none ' needs an object with layers, not array' '[]'
 is_none ' /layers/1.1/0/0: needs Transition, Hold, NoValue, Wait or a number from -2147483648 to 2147483647, not "hold"' \
     '{"layers": {"1.1": [["hold", [1], 1]]}}'
 is_none ' a layer is called UNIVERSE.CHANNEL, such as 1.5, not "lamp"' '{"layers": {"lamp": []}}'
@@ -225,3 +232,31 @@ makes '1 10,20 100 1 30 50' a --rate 1 --rate 1000
 refuses 2 '--split: a time above 0 such as 1500 or 1.5s cannot be "0s"' a --write out --split 0s piece
 refuses 2 '--intro 100s: the show lasts 0.15 s' a --intro 100s
 refuses 2 '--outro 61: the show lasts 0.15 s, its intro 0.09 s, its outro 0.061 s' a --intro 90 --outro 61
+
+# What is said is one line, without signs that a terminal obeys, and not longer than people read.
+is_none '1: a recording begins with "OLA Show"' 'OLA Show\033[2J\n1 0\n'
+is_none '2: a value cannot be "\x1b[2J\x07\x00\xff\xc2\x9b"' 'OLA Show\n1 \033[2J\a\000\377\302\233\n'
+is_none ' a layer is called UNIVERSE.CHANNEL, such as 1.5, not "é\x0aü"' '{"layers": {"é\\nü": []}}'
+sixty=$(printf '%060d' 0 | tr 0 9)
+is_none "2: a value cannot be \"$sixty...\"" "OLA Show\n1 ${sixty}1\n"
+head -c 20000000 /dev/zero | tr '\0' x >long
+{ printf 'OLA Show\n1 ' && cat long; } >bad
+refuses 2 "bad:2: a value cannot be \"$(head -c 60 long)...\"" bad
+for begin in '{"layers": {"' '{"' '{"layers": {"1.1": [["' '{"layers": {"1.1": [["Hold", ["' '{"fps": "'; do
+    { printf %s "$begin" && cat long; } >bad
+    for end in '' '": 1}'; do
+        echo "$end" >>bad
+        text=$("$lightshow" bad 2>&1) && fail "reads $begin..."
+        [ "${#text}" -lt 1100 ] && [ "$(printf '%s\n' "$text" | wc -l)" = 1 ] || fail "says too much of $begin..."
+    done
+done
+rm long bad
+refuses 2 "$(printf '%s: no such file' "$sixty")" "$sixty"
+refuses 2 '\x1b[2J: no such file' "$(printf '\033[2J')"
+makes '1 10,20 100 1 30 50' a --write -.x
+cmp out ./-.x || fail 'writes no file called -.x'
+"$lightshow" -.x --write -.5
+cmp out ./-.5 || fail 'writes no file called -.5'
+refuses 2 'The following argument was not expected: -.y' -.x -.y
+refuses 2 '--write: needs a word, not "-x"' a --write -x
+"$lightshow" --version | grep -qxE 'lightshow [0-9]+\.[0-9]+\.[0-9]+' || fail 'tells no version'

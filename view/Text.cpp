@@ -56,5 +56,6 @@ std::string printable(std::string_view text) {
 std::string in_quotes(std::string_view word) {
     constexpr std::size_t most = 60;
     std::string result(1, '"');
-    return result.append(start_of(word, most)).append(word.size() > most ? "...\"" : "\"");
+    return result.append(printable(start_of(word, most)))
+        .append(word.size() > most ? "...\"" : "\"");
 }

@@ -14,5 +14,5 @@ std::size_t character(std::string_view text);
 /// Of a text of more than 1,000 bytes, the start and the end.
 std::string printable(std::string_view text);
 
-/// A word in quotes; of one of more than 60 bytes, the start.
+/// A word in quotes, printable; of one of more than 60 bytes, the start.
 std::string in_quotes(std::string_view word);
