@@ -34,6 +34,20 @@ std::uint8_t dmx_value(float value) {
     return value > 0 ? static_cast<std::uint8_t>(std::lround(std::min(value, 255.F))) : 0;
 }
 
+/// What a channel shows so many frames after the begin of a key with a value.
+static std::uint8_t level_of(const AnimationKey& key, unsigned int passed) {
+    const AnimationKeyArgs& args = key.command.args;
+    const bool moves = args.size() > 1 && passed > 0;
+    return dmx_value(moves ? transition_value(args[0], args[1], passed, key.duration) : args[0]);
+}
+
+bool is_lit(const KeyVector& keys) {
+    return std::any_of(keys.begin(), keys.end(), [](const AnimationKey& key) {
+        return !key.command.args.empty() && key.duration > 0 &&
+               (level_of(key, 0) > 0 || level_of(key, key.duration - 1) > 0);
+    });
+}
+
 void settle(LayerMap& layers) {
     const std::uint64_t duration = full_duration(layers);
     for (auto& [name, keys] : layers) {
@@ -122,9 +136,5 @@ std::optional<std::uint8_t> DmxPlayer::Channel::seek(unsigned int frame) {
 }
 
 std::uint8_t DmxPlayer::Channel::levelAt(std::uint64_t frame) const {
-    const AnimationKey& played = (*keys)[key];
-    const AnimationKeyArgs& args = played.command.args;
-    const auto passed = static_cast<unsigned int>(frame - begin);
-    const bool moves = args.size() > 1 && passed > 0;
-    return dmx_value(moves ? transition_value(args[0], args[1], passed, played.duration) : args[0]);
+    return level_of((*keys)[key], static_cast<unsigned int>(frame - begin));
 }

@@ -27,6 +27,9 @@ std::uint8_t dmx_value(float value);
 /// that end before the show go on so to its end.
 void settle(Kiv::LayerMap& layers);
 
+/// Whether a channel with these keys, which are settled, ever shows more than 0.
+bool is_lit(const Kiv::KeyVector& keys);
+
 /// The values of each universe, from channel 1 to the last one that has a value; 0 for those
 /// without one in between.
 using Universes = std::map<unsigned int, std::vector<std::uint8_t>>;

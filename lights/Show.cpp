@@ -47,15 +47,24 @@ void skip_byte_order_mark(std::istream& in) {
 } // namespace
 
 Animation read_show(const std::string& path, Rendering& rendering) {
+    const auto tell = [&rendering](const char* format) {
+        if (rendering.format.empty())
+            rendering.format = format;
+    };
     InputFile file(path);
     skip_byte_order_mark(*file.stream);
     const int first = file.stream->peek(); // a pipe can be read only once
-    if (first == 'P')
+    if (first == 'P') {
+        tell("FSEQ");
         return take_rendered(read_fseq(*file.stream, file.name, limits.bytes < unlimited.bytes),
                              rendering);
+    }
     const std::string_view begins(" \t\r\n{[\"/#"); // what JSON, or what looks like it, begins with
-    if (first == EOF || begins.find(static_cast<char>(first)) == begins.npos)
+    if (first == EOF || begins.find(static_cast<char>(first)) == begins.npos) {
+        tell("recording");
         return read_recording(*file.stream, file.name);
+    }
+    tell("JSON");
     const std::string text = file.text();
     try {
         return show_of(text);

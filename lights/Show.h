@@ -6,13 +6,14 @@
 #include <ostream>
 #include <string>
 
-/// What goes into the rendered shows that are written.
+/// What goes into the rendered shows that are written, and what was read.
 struct Rendering {
     unsigned int step() const { return told.value_or(read.value_or(25)); }
 
     std::optional<unsigned int> told; ///< The milliseconds of a step, if somebody says.
     std::optional<unsigned int> read; ///< Those of the first rendered show that was read.
     std::string media;                ///< The file that plays to that one.
+    std::string format;               ///< Of the first show that was read.
 };
 
 /// The show in a file, as a recording would have it: at 1000 frames per second, with a layer for

@@ -1,6 +1,7 @@
 // Edits light shows: reads one, applies the edits in the order given, writes or plays it.
 
 #include "CommandLine.h"
+#include "Description.h"
 #include "Dmx.h"
 #include "Files.h"
 #include "Fit.h"
@@ -221,6 +222,7 @@ int main(int argc, char** argv) {
     Actions edits;
     Actions outputs;
     unsigned int rate = 40;
+    bool json = false;
     Rendering rendering;
     std::vector<Option> options;
     Labels labels;
@@ -244,7 +246,12 @@ int main(int argc, char** argv) {
     add(inputs, "FILE", "", "an .fseq file, a recording of ola_recorder, or an animation as JSON",
         [&](Animation& show, const File& file) { show = read_show(file, rendering); });
     add(inputs, "--rotation", "PULSE REST RISE FALL STEP",
-        "instead: the preset on channels 1 to 8 of universe 1", rotation);
+        "instead: the preset on channels 1 to 8 of universe 1",
+        [&](Animation& show, Number<0, 255> pulse, Number<0, 255> rest, Duration rise,
+            Duration fall, Duration step) {
+            rendering.format = "rotation";
+            rotation(show, pulse, rest, rise, fall, step);
+        });
     add(edits, "--keep", "FROM TO", "keeps what lies between", [](Animation& show, Range range) {
         settle(show.layers);
         show.remove(range.end, mostFrames);
@@ -294,6 +301,11 @@ int main(int argc, char** argv) {
             split(show, step, file, rendering);
         });
     add(outputs, "--svg", "FILE", "draws a picture that plays", draw);
+    add(outputs, "--describe", "", "prints what the show holds", [&](const Animation& show) {
+        (json ? describe_as_json : describe)(std::cout, show, rendering.format);
+    });
+    options.push_back({"--json", "", "has --describe print JSON, for programs",
+                       [&](const Words&) { json = true; }});
     add(outputs, "--play", "", "plays by the olad of this machine",
         [&](const Animation& show) { play_by_olad(show, rate); });
     options.push_back({"--rate", "N", "frames a second to play, 1 to 1000 (40)",

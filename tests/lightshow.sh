@@ -260,3 +260,30 @@ cmp out ./-.5 || fail 'writes no file called -.5'
 refuses 2 'The following argument was not expected: -.y' -.x -.y
 refuses 2 '--write: needs a word, not "-x"' a --write -x
 "$lightshow" --version | grep -qxE 'lightshow [0-9]+\.[0-9]+\.[0-9]+' || fail 'tells no version'
+
+# What a show holds.
+described=$("$lightshow" c --append b --describe)
+[ "$described" = 'format: JSON
+length: 57 ms, intro 3, outro 0
+step: 1 ms
+keys: 1 Transition, 5 Hold, 1 NoValue, 3 Wait
+channels:
+  universe 1: 1 to 2
+  universe 2: 1
+never lit: none' ] || fail "describes $described"
+printf 'OLA Show\n1 0,0,0,9,0\n40\n7 0\n100\n' >in
+described=$("$lightshow" in --describe)
+[ "$described" = 'format: recording
+length: 140 ms, intro 0, outro 0
+step: 20 ms
+keys: 6 Hold, 1 NoValue
+channels:
+  universe 1: 1 to 5
+  universe 7: 1
+never lit:
+  universe 1: 1 to 3, 5
+  universe 7: 1' ] || fail "describes $described"
+described=$("$lightshow" in --json --describe | tr -d ' \n')
+[ "$described" = '{"format":"recording","milliseconds":140,"intro":0,"outro":0,"step":20,"keys":{"Hold":6,'\
+'"NoValue":1},"channels":{"1":[1,2,3,4,5],"7":[1]},"neverLit":{"1":[1,2,3,5],"7":[1]}}' ] ||
+    fail "describes $described as JSON"
