@@ -51,6 +51,20 @@ if(ANIMATIONMODEL_PYTHON)
         "python3 (>= 3.${Python_VERSION_MINOR}), python3 (<< 3.${next_minor})")
 endif()
 
+set(CPACK_DEBIAN_LIGHTSHOW_PACKAGE_NAME lightshow)
+set(CPACK_DEBIAN_LIGHTSHOW_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_LIGHTSHOW_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_LIGHTSHOW_PACKAGE_DEPENDS
+    "libanimationmodel${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_LIGHTSHOW_DESCRIPTION
+    "Key-frame animations as data (editor for light shows)
+Cuts, joins, loops, stretches and splits recordings of lights on DMX universes,
+and animations as JSON. Describes them, draws pictures of them that play, and
+plays them on lights.")
+if(TARGET lightshow)
+    list(APPEND CPACK_COMPONENTS_ALL lightshow)
+endif()
+
 # What Debian wants to find beside each package. The time is that of SOURCE_DATE_EPOCH.
 string(TIMESTAMP changelog_date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 configure_file(cmake/debian-changelog.in doc/changelog @ONLY)
