@@ -38,7 +38,7 @@ using Universes = std::map<unsigned int, std::vector<std::uint8_t>>;
 class DmxPlayer {
 public:
     /// Throws std::runtime_error that names a layer that is called after no channel.
-    explicit DmxPlayer(Kiv::LayerMap layers);
+    explicit DmxPlayer(Kiv::LayerMap given);
 
     /// Goes on to `frame`, which is not before the one where it stands, and says what the universes
     /// send, until the next call. Costs the channels that have changed since.

@@ -266,7 +266,7 @@ private:
     }
 
     void copy() {
-        complain(name + " is overwritten in place: no other file can take it");
+        complain(name + ": written in place, since no draft could replace it");
         static_cast<void>(closed());
         descriptor = open(target.path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
         if (descriptor < 0)
@@ -337,7 +337,8 @@ InputFile::InputFile(const std::string& path) : name(path == "-" ? "standard inp
 std::string InputFile::text() {
     std::string all;
     std::array<char, 65536> part{};
-    while (*stream && all.find('\0', all.size() - std::min(all.size(), part.size())) == all.npos) {
+    while (*stream &&
+           all.find('\0', all.size() - std::min(all.size(), part.size())) == std::string::npos) {
         stream->read(part.data(), part.size());
         all.append(part.data(), static_cast<std::size_t>(stream->gcount()));
         if (all.size() > limits.bytes)

@@ -60,7 +60,7 @@ Animation read_show(const std::string& path, Rendering& rendering) {
                              rendering);
     }
     const std::string_view begins(" \t\r\n{[\"/#"); // what JSON, or what looks like it, begins with
-    if (first == EOF || begins.find(static_cast<char>(first)) == begins.npos) {
+    if (first == EOF || begins.find(static_cast<char>(first)) == std::string_view::npos) {
         tell("recording");
         return read_recording(*file.stream, file.name);
     }

@@ -129,6 +129,24 @@ void override_with(Animation& show, Animation&& other, Time at) {
     show.overrideLayersWith(other, at);
 }
 
+/// Plays `count` times what lies between intro and outro. Layer after layer, to tell how far it is.
+void loop(Animation& show, unsigned int count) {
+    const std::uint64_t parts = std::uint64_t{show.introSize} + show.outroSize;
+    check_length(parts + (show.durationInFrames() - parts) * count);
+    settle(show.layers); // which then last as long
+    Progress progress("looping");
+    LayerMap looped;
+    for (const auto& [name, keys] : show.layers) {
+        Animation layer(show.fps);
+        layer.layers[name] = keys;
+        layer.introSize = show.introSize;
+        layer.outroSize = show.outroSize;
+        looped.merge(layer.loop(count, false, false).layers);
+        progress.at(static_cast<double>(looped.size()), static_cast<double>(show.layers.size()));
+    }
+    show.layers.swap(looped);
+}
+
 /// Writes pieces whose names are numbered, before ".fseq" or ".json" if that is how they end.
 void split(const Animation& show, Duration step, const File& file, const Rendering& rendering) {
     const std::uint64_t count = (full_duration(show.layers) + step - 1) / step;
@@ -284,12 +302,7 @@ int main(int argc, char** argv) {
     add(edits, "--outro", "T", "the last T do not loop",
         [](Animation& show, Time size) { show.outroSize = size; });
     add(edits, "--loop", "N", "plays N times what lies between intro and outro",
-        [](Animation& show, Number<0, mostFrames> n) {
-            const std::uint64_t parts = std::uint64_t{show.introSize} + show.outroSize;
-            check_length(parts + (show.durationInFrames() - parts) * n);
-            settle(show.layers);
-            show = show.loop(n, false, false);
-        });
+        [](Animation& show, Number<0, mostFrames> n) { loop(show, n); });
     add(edits, "--last", "T", "plays faster or slower, to last T",
         [](Animation& show, Time frames) { stretch_to(show, frames.frames); });
     add(edits, "--fit", "", "joins keys: the values at the start of each step stay",

@@ -196,7 +196,7 @@ if [ "$(id -u)" -eq 0 ]; then
     for file in theirs/mine shared/roots; do
         as_nobody ./program a --write $file 2>said
         same a $file 'in place'
-        grep -qx "lightshow: $file is overwritten in place: no other file can take it" said ||
+        grep -qx "lightshow: $file: written in place, since no draft could replace it" said ||
             fail "writes $file in place and says $(cat said)"
         [ "$(echo "${file%/*}"/.draft*)" = "${file%/*}/.draft*" ] || fail "leaves a draft of $file"
     done

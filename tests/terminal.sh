@@ -93,3 +93,16 @@ stopped
     exit 1
     ;;
 esac
+
+# What takes long shows how far it is, on one line that is gone in the end.
+printf '{"fps": 1000, "layers": {"1.512": [["Hold", [255], 600000]]}}' >last.json
+printf '{"fps": 1000, "layers": {"1.1": [["Hold", [1], 1], ["Hold", [2], 1]]}}' >blinks.json
+long=$(on_terminal \
+    "'$lightshow' blinks.json --loop 300000 --override last.json 0 --write /dev/null")
+case $long in
+'^?7lwriting ... '*' %^K^?7h^?7lwriting ... '*' %^K^?7h^K') ;;
+*)
+    printf 'terminal.sh: what takes long shows\n%.700s\n' "$long" >&2
+    exit 1
+    ;;
+esac

@@ -11,6 +11,24 @@ std::string_view start_of(std::string_view text, std::size_t most) {
     return text.substr(0, most);
 }
 
+/// Appends a text, whatever a terminal might obey escaped.
+void append_escaped(std::string& result, std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t size = character(text);
+        const auto first = static_cast<unsigned char>(text[0]);
+        const bool obeyed =
+            size == 2 && first == 0xc2 && static_cast<unsigned char>(text[1]) < 0xa0;
+        if (size > 0 && !obeyed) {
+            result += text.substr(0, size);
+            text.remove_prefix(size);
+            continue;
+        }
+        constexpr const char* digits = "0123456789abcdef";
+        result.append("\\x").append(1, digits[first / 16]).append(1, digits[first % 16]);
+        text.remove_prefix(1);
+    }
+}
+
 } // namespace
 
 std::size_t character(std::string_view text) {
@@ -33,23 +51,13 @@ std::size_t character(std::string_view text) {
 
 std::string printable(std::string_view text) {
     constexpr std::size_t half = 500;
-    if (text.size() > 2 * half)
-        return printable(start_of(text, half)) + " ... " +
-               printable(text.substr(text.size() - half));
     std::string result;
-    while (!text.empty()) {
-        const std::size_t size = character(text);
-        const auto first = static_cast<unsigned char>(text[0]);
-        const bool obeyed =
-            size == 2 && first == 0xc2 && static_cast<unsigned char>(text[1]) < 0xa0;
-        if (size > 0 && !obeyed) {
-            result += text.substr(0, size);
-        } else {
-            constexpr const char* digits = "0123456789abcdef";
-            result.append("\\x").append(1, digits[first / 16]).append(1, digits[first % 16]);
-        }
-        text.remove_prefix(size > 0 && !obeyed ? size : 1);
+    if (text.size() > 2 * half) {
+        append_escaped(result, start_of(text, half));
+        result += " ... ";
+        text.remove_prefix(text.size() - half);
     }
+    append_escaped(result, text);
     return result;
 }
 
