@@ -9,6 +9,8 @@
 #include <animationmodel/json.h>
 #include <animationmodel/retime.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <stdexcept>
 #include <string_view>
@@ -35,6 +37,17 @@ Animation take_rendered(Sequence sequence, Rendering& rendering) {
         rendering.media = std::move(sequence.media);
     }
     return std::move(sequence.show);
+}
+
+/// Whether a channel waits, or ends before the show.
+bool waits(const Animation& show) {
+    const std::uint64_t duration = full_duration(show.layers);
+    return std::any_of(show.layers.begin(), show.layers.end(), [&](const auto& layer) {
+        std::uint64_t end = 0;
+        for (const AnimationKey& key : layer.second)
+            end = key.command.effect == Wait ? duration + 1 : end + key.duration;
+        return end != duration;
+    });
 }
 
 /// Of the three bytes that some programs write before a text, those that are there.
@@ -78,6 +91,8 @@ void write_show(const Animation& show, const std::string& path, const Rendering&
     if (path.ends_with(".json")) {
         out << animation_to_json(show);
     } else if (path.ends_with(".fseq")) {
+        if (!waits(show))
+            return write_fseq(out, show, rendering.step(), rendering.media);
         Animation played = show;
         settle(played.layers);
         write_fseq(out, played, rendering.step(), rendering.media);
