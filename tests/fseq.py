@@ -479,6 +479,14 @@ def check_words(program):
     check_written(program.makes("recorded", "--append", "second.fseq", "--append", "first.fseq",
                                 "--keep", "0", "100"),
                   plain([b"\1\2"] * 3 + [b"\1\3"] * 2, 20, b"other.mp3"), "the first one read")
+    one = Show({0: b"\7\7"}, 50)  # while it plays, the other channel keeps what it has
+    save("one.fseq", write(one, rng))
+    check_written(program.makes("first.fseq", "--insert", "one.fseq", "50"),
+                  plain([b"\1\2", b"\7\2", b"\7\2", b"\1\3", b"\1\3"], media=b"song.mp3"),
+                  "a channel that waits")
+    check_written(program.makes("first.fseq", "--append", "one.fseq"),
+                  plain([b"\1\2", b"\1\3", b"\1\3", b"\7\3", b"\7\3"], media=b"song.mp3"),
+                  "a channel that ends before the show")
     program.run("first.fseq", "--split", "100", "part.fseq", "--split", "100", "part.json")
     check_written(pathlib.Path("part1.fseq").read_bytes(), first.edited(lambda _, v: v[:2]), "part 1")
     check_written(pathlib.Path("part2.fseq").read_bytes(), first.edited(lambda _, v: v[2:]), "part 2")
