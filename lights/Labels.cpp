@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <sstream>
 #include <stdexcept>
 #include <string_view>
 
@@ -27,8 +28,9 @@ unsigned int take_seconds(std::string_view& line) {
 
 void Labels::read(const std::string& path) {
     InputFile file(path);
+    std::istringstream lines(file.text());
     std::size_t number = 0;
-    for (std::string text; std::getline(*file.stream, text);) {
+    for (std::string text; std::getline(lines, text);) {
         std::string_view line = text;
         line.remove_suffix(line.ends_with('\r') ? 1 : 0);
         ++number;
@@ -43,8 +45,8 @@ void Labels::read(const std::string& path) {
                                      error.what());
         }
     }
-    if (number == 0 || file.stream->bad())
-        throw std::runtime_error(file.name + ": cannot be read, or is empty");
+    if (number == 0)
+        throw std::runtime_error(file.name + ": is empty");
 }
 
 std::optional<unsigned int> Labels::find(const std::string& word) const {

@@ -129,6 +129,9 @@ refuses 2 '--loop 14316558: the show would last 2147483.7 s, and 2147483.647 s i
 printf '{"fps": 1000, "layers": {"1.1": [["Hold", [1], 4294967295], ["Hold", [2], 6]]}}' >longer
 refuses 2 'longer: Animation lasts 2147483648 frames or more' longer
 refuses 2 '/dev/zero:1: a recording begins with "OLA Show"' /dev/zero
+refuses 2 '--labels: /dev/zero:1: a label is start and end in seconds and a name, with tabs between' \
+    a --labels /dev/zero
+refuses 2 '--labels: /dev/null: is empty' a --labels /dev/null
 printf 'OLA Show\n' >torn
 head -c 70000 /dev/zero | tr '\0' 1 >>torn
 refuses 2 'torn:2: a universe needs a space and values after it' torn
