@@ -25,7 +25,7 @@ setup(
         Pybind11Extension(
             "animationmodel._core",
             ["python/module.cpp", *sorted(glob.glob("src/*.cpp"))]
-            + [f"view/{name}.cpp" for name in ("Colour", "Measures", "Picture")],
+            + [f"view/{name}.cpp" for name in ("Colour", "Measures", "Picture", "Text")],
             include_dirs=["include", "view"],
             define_macros=[
                 ("ANIMATIONMODEL_STATIC_DEFINE", None),
