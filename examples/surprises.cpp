@@ -47,7 +47,10 @@ int main() {
     // Names and numbers.
     EDIT(lamp.pushBackInLayer("lmap", dim), lamp.layers.size());
     EDIT(lamp.layers = LayerMap({{"lamp2", {dim}}, {"lamp10", {dim}}}), lamp.layers.begin()->first);
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wsign-conversion" // which finds this call
     EDIT(lamp.insertInLayer("lamp", dim, -25), lamp.durationInFrames());
+#pragma GCC diagnostic pop
     EDIT(lamp.remove(10, 4294967295), lamp.layer("lamp"));
     SHOW(sample(lamp.layers, 5, 1).front());
     EDIT(lamp.removeInLayer("lamp", 3, 0), sample(lamp.layers, 7, 1).front());
