@@ -5,7 +5,7 @@ import pathlib
 import re
 import sysconfig
 
-from pybind11.setup_helpers import Pybind11Extension
+from pybind11.setup_helpers import ParallelCompile, Pybind11Extension
 from setuptools import setup
 
 text = pathlib.Path(__file__).with_name("CMakeLists.txt").read_text()
@@ -16,6 +16,7 @@ flags = ["-ffp-contract=off"]
 if sysconfig.get_platform().endswith(("-i386", "-i686")):
     flags += ["-msse2", "-mfpmath=sse"]
 
+ParallelCompile().install()  # on all processors
 setup(
     version=version,
     packages=["animationmodel"],
