@@ -47,6 +47,8 @@ int main() {
     // Names and numbers.
     EDIT(lamp.pushBackInLayer("lmap", dim), lamp.layers.size());
     EDIT(lamp.layers = LayerMap({{"lamp2", {dim}}, {"lamp10", {dim}}}), lamp.layers.begin()->first);
+    EDIT(lamp.layers = LayerMap({{"lamp red", {dim}}, {"lamp green", {dim}}, {"lamp blue", {dim}}}),
+         lamp.layers.size());
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wsign-conversion" // which finds this call
     EDIT(lamp.insertInLayer("lamp", dim, -25), lamp.durationInFrames());
