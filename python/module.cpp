@@ -75,25 +75,25 @@ py::object duration_in(PyObject* self, void* /*none*/) {
     return py::int_(KeyObject::in(self)->duration);
 }
 
+py::object str_of_key(PyObject* self) {
+    return py::str(str(*KeyObject::in(self)));
+}
+
 void bind_keys(py::module_& m) {
-    static char doc[] = "Key(effect, args, duration)\n--\n\n"; // the signature
     static PyGetSetDef members[] = {
         {"effect", Direct<effect_in>::call, nullptr, "What a layer does meanwhile.", nullptr},
         {"args", Direct<args_in>::call, nullptr, "The values for it.", nullptr},
         {"duration", Direct<duration_in>::call, nullptr, "Frames.", nullptr},
         {}};
-    const py::handle key =
-        KeyObject::make_type("animationmodel._core.Key", {slot<new_key>(Py_tp_new),
-                                                          slot<compare_keys>(Py_tp_richcompare),
-                                                          {Py_tp_getset, members},
-                                                          {Py_tp_doc, doc}});
-    const auto bind = [&](const char* name, const auto& method) {
-        key.attr(name) = py::cpp_function(method, py::name(name), py::is_method(key));
-    };
-    bind("split_at", &AnimationKey::splitAt);
-    bind("split_each", &AnimationKey::splitEach);
-    bind("__str__", str<AnimationKey>);
-    m.attr("Key") = key;
+    PyTypeObject& type = KeyObject::type;
+    type.tp_doc = "Key(effect, args, duration)\n--\n\n"; // the signature
+    type.tp_new = Direct<new_key>::call;
+    type.tp_richcompare = Direct<compare_keys>::call;
+    type.tp_str = Direct<str_of_key>::call;
+    type.tp_getset = members;
+    m.attr("Key") = KeyObject::ready("animationmodel._core.Key");
+    m.def("split_key_at", &AnimationKey::splitAt);
+    m.def("split_key_each", &AnimationKey::splitEach);
 }
 
 /// The index in `layer` that an index of Python's means, which may count from the end.
@@ -203,13 +203,17 @@ py::object new_layer(PyTypeObject* type, PyObject* args, PyObject* /*named*/) {
 }
 
 void bind_layers(py::module_& m) {
-    Object<Loop>::make_type("animationmodel._core.Loop",
-                            {{Py_tp_iter, reinterpret_cast<void*>(&PyObject_SelfIter)},
-                             slot<next_key>(Py_tp_iternext)});
-    m.attr("Layer") = Object<Layer>::make_type(
-        "animationmodel._core.Layer",
-        {slot<new_layer>(Py_tp_new), slot<loop>(Py_tp_iter), slot<length>(Py_mp_length),
-         slot<item>(Py_mp_subscript), slot<set_item>(Py_mp_ass_subscript)});
+    PyTypeObject& loops = Object<Loop>::type;
+    loops.tp_iter = PyObject_SelfIter;
+    loops.tp_iternext = Direct<next_key>::call;
+    Object<Loop>::ready("animationmodel._core.Loop");
+
+    static PyMappingMethods items{Direct<length>::call, Direct<item>::call, Direct<set_item>::call};
+    PyTypeObject& type = Object<Layer>::type;
+    type.tp_new = Direct<new_layer>::call;
+    type.tp_iter = Direct<loop>::call;
+    type.tp_as_mapping = &items;
+    m.attr("Layer") = Object<Layer>::ready("animationmodel._core.Layer");
 }
 
 /// A copy as Python means it, neither filled nor checked.

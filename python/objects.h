@@ -5,7 +5,6 @@
 #include <new>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 // Python objects that cost as little as Python's own. To make one takes a fifth of the time that
 // one of a class of pybind11's takes, and so does what Python does with it.
@@ -42,23 +41,18 @@ struct Direct<function> {
     }
 };
 
-template <auto function>
-PyType_Slot slot(int name) {
-    return {name, reinterpret_cast<void*>(&Direct<function>::call)};
-}
-
 /// An object that is a C++ value.
 template <class Value>
 struct Object {
     PyObject head;
     Value value;
 
-    static inline PyTypeObject* type = nullptr;
-    static inline PyTypeObject* derived = nullptr; ///< What is made where nothing else is said.
+    static inline PyTypeObject type{};           ///< What Python does with them.
+    static inline PyTypeObject* derived = &type; ///< What is made where nothing else is said.
 
     /// The value in an object; null if the object is of another type.
     static Value* in(py::handle object) {
-        const bool fits = PyObject_TypeCheck(object.ptr(), type) != 0;
+        const bool fits = PyObject_TypeCheck(object.ptr(), &type) != 0;
         return fits ? &reinterpret_cast<Object*>(object.ptr())->value : nullptr;
     }
 
@@ -70,27 +64,22 @@ struct Object {
         return made;
     }
 
-    /// Creates the type. Python can call it if the first of its slots is Py_tp_new.
-    static py::handle make_type(const char* name, std::vector<PyType_Slot> slots) {
-        const bool callable = slots.front().slot == Py_tp_new;
-        slots.push_back({Py_tp_dealloc, reinterpret_cast<void*>(&destroy)});
-        slots.push_back({0, nullptr});
-        PyType_Spec spec{name, sizeof(Object), 0, Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE,
-                         slots.data()};
-        const py::handle made = PyType_FromSpec(&spec);
-        if (!made)
+    /// Completes the type, once its functions are set.
+    static py::handle ready(const char* name) {
+        const auto made = reinterpret_cast<PyObject*>(&type);
+        Py_SET_REFCNT(made, 1); // it is never destroyed
+        type.tp_name = name;
+        type.tp_basicsize = sizeof(Object);
+        type.tp_flags = Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE;
+        type.tp_dealloc = destroy;
+        if (PyType_Ready(&type) != 0)
             throw py::error_already_set();
-        type = derived = reinterpret_cast<PyTypeObject*>(made.ptr());
-        if (!callable)
-            type->tp_new = nullptr;
         return made;
     }
 
 private:
     static void destroy(PyObject* self) {
-        PyTypeObject* own = Py_TYPE(self);
         in(self)->~Value();
-        own->tp_free(self);
-        Py_DECREF(own);
+        Py_TYPE(self)->tp_free(self);
     }
 };

@@ -88,7 +88,7 @@ class Key(_core.Key):
         each step rounded to a 32-bit float. The pieces of other effects have the same arguments. At
         frame 0, and at the end or past it, there is nothing to cut: the result is the key alone.
         """
-        return super().split_at(whole("frame", frame))
+        return _core.split_key_at(self, whole("frame", frame))
 
     def split_each(self, step: SupportsIndex) -> list[Key]:
         """Returns the key cut into pieces of `step` frames and a last one of what remains.
@@ -100,7 +100,7 @@ class Key(_core.Key):
         the values may differ from those of `split_at` by a few roundings. Raises ValueError if
         `step` is 0.
         """
-        return super().split_each(whole("step", step))
+        return _core.split_key_each(self, whole("step", step))
 
     def __hash__(self) -> int:
         return hash((self.effect, self.args, self.duration))
