@@ -5,6 +5,7 @@
 #include <animationmodel/play.h>
 #include <animationmodel/retime.h>
 
+#include <cfloat>
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -101,6 +102,34 @@ TEST(PlayTest, LayersThatHaveBecomeShorterEnd) {
     EXPECT_EQ(player[0].value(), std::nullopt);
 }
 
+/// A playhead that is told to finish after so many frames plays a loop; values are frame numbers.
+TEST(PlayTest, PlayheadsPlayLoops) {
+    for (const unsigned int intro : {0U, 2U})
+        for (const unsigned int body : {0U, 1U, 3U})
+            for (const unsigned int outro : {0U, 1U})
+                for (unsigned int told = 0; told < 9; ++told) {
+                    Animation it;
+                    it.introSize = intro;
+                    it.outroSize = outro;
+                    for (unsigned int frame = 0; frame < intro + body + outro; ++frame)
+                        it.pushBackInLayer("a", Hold, {static_cast<float>(frame)}, 1);
+                    std::vector<float> played;
+                    Playhead head(it);
+                    for (unsigned int time = 0; !head.ended(); head.next()) {
+                        if (time++ == told)
+                            head.finish();
+                        played.push_back(static_cast<float>(head.frame()));
+                    }
+                    const bool inBody = body > 0 && told >= intro;
+                    const Animation loop =
+                        it.loop(inBody ? (told - intro) / body + 1 : 1, false, false);
+                    EXPECT_EQ(played, sample(loop.layers, 0, loop.durationInFrames()))
+                        << intro << ' ' << body << ' ' << outro << ", told after " << told;
+                    head.next();
+                    EXPECT_TRUE(head.ended());
+                }
+}
+
 TEST(PlayTest, MemoryIsNeitherTakenNorFreedWhilePlaying) {
     auto scene = std::make_unique<Scene>(animation("a: T0,9:9; b: H1:4 W:5 | 2 1"));
     Handover handover;
@@ -126,6 +155,54 @@ TEST(PlayTest, PlayheadsRefuseWhatCopiesRefuse) {
         const std::string refused = refusal([&] { Animation copy(it); });
         EXPECT_NE(refused, "");
         EXPECT_EQ(refusal([&] { Playhead head(it); }), refused);
+    }
+}
+
+/// The frames on which keys, the intro and the outro begin and end, each moved by plain division.
+TEST(RetimeTest, MovesBoundariesToTheNearestFrames) {
+    const struct {
+        float from, to;
+        std::uint64_t numerator, denominator;
+    } rows[] = {
+        {25, 50, 2, 1},
+        {50, 25, 1, 2},
+        {30, 24, 4, 5},
+        {24, 1000, 125, 3},
+        {1000, 24, 3, 125},
+        {0.5F, 7, 14, 1},
+        {0x1p-149F, 0x1p-140F, 512, 1},
+        {FLT_MAX, 1, 0, 1},
+        {3, 16777215, 5592405, 1},
+    };
+    std::mt19937 random;
+    for (const auto& row : rows) {
+        Animation show = any_animation(random);
+        show.introSize = static_cast<unsigned int>(random() % 30);
+        show.outroSize = static_cast<unsigned int>(random() % 30);
+        show.fps = row.from;
+        const auto moved = [&row](std::uint64_t frame) {
+            return (2 * frame * row.numerator + row.denominator) / (2 * row.denominator);
+        };
+        Animation expected;
+        expected.fps = row.to;
+        expected.introSize = static_cast<unsigned int>(moved(show.introSize));
+        const unsigned int duration = show.durationInFrames();
+        expected.outroSize = static_cast<unsigned int>(
+            duration < show.outroSize ? moved(show.outroSize)
+                                      : moved(duration) - moved(duration - show.outroSize));
+        for (const auto& [name, keys] : show.layers) {
+            std::uint64_t begin = 0;
+            KeyVector& layer = expected.layers[name];
+            for (AnimationKey key : keys) {
+                const std::uint64_t end = begin + key.duration;
+                key.duration = static_cast<unsigned int>(moved(end) - moved(begin));
+                if (key.duration > 0)
+                    layer.push_back(key);
+                begin = end;
+            }
+        }
+        change_frame_rate(show, row.to);
+        EXPECT_EQ(show, expected) << row.from << " to " << row.to;
     }
 }
 

@@ -119,27 +119,6 @@ def test_what_cannot_be_retimed_stays_as_it_was(show, change, said):
     assert show.to_json() == before
 
 
-@pytest.mark.parametrize("intro", [0, 2])
-@pytest.mark.parametrize("body", [0, 1, 3])
-@pytest.mark.parametrize("outro", [0, 1])
-def test_playheads_play_loops(intro, body, outro):
-    """Of layers whose values are the numbers of their frames."""
-    keys = [Key(Hold, [frame], 1) for frame in range(intro + body + outro)]
-    show = Animation({"a": keys}, intro, outro)
-    for told in range(9):
-        head, played = Playhead(show), []
-        if told == 0:
-            head.finish()
-        for frame in head:
-            played.append(frame)
-            if len(played) == told:
-                head.finish()
-        in_body = body > 0 and told > intro
-        times = (told - 1 - intro) // body + 1 if in_body else 1
-        loop = show.loop(times, False, False)
-        assert played == [key.args[0] for key in loop.layers.get("a", [])]
-
-
 @pytest.mark.parametrize("show", [
     Animation(), Animation({"a": [Key(Transition, [0, 1], 4)]}),
 ])
