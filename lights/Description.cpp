@@ -3,9 +3,8 @@
 #include "Dmx.h"
 #include "Measures.h"
 
-#include <nlohmann/json.hpp>
+#include <animationmodel/json.h>
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <numeric>
@@ -37,14 +36,8 @@ struct Description {
     std::uint64_t step = 0; ///< All keys begin and end on a multiple of it.
     Channels channels;
     Channels dark; ///< Those that are never lit.
-    std::map<std::int32_t, std::size_t> keys;
+    std::map<AnimationKeyCommandEffect, std::size_t> keys;
 };
-
-std::string effect_name(std::int32_t effect) {
-    constexpr std::array names{"Transition", "Hold", "NoValue", "Wait"};
-    const auto index = static_cast<std::size_t>(effect);
-    return index < names.size() ? names[index] : "effect " + std::to_string(effect);
-}
 
 /// "universe 1: 1 to 8, 10".
 void print(std::ostream& out, const Channels& all) {
@@ -71,7 +64,7 @@ void describe(std::ostream& out, const Animation& show, const std::string& forma
         << show.introSize << ", outro " << show.outroSize << "\nstep: " << it.step << " ms\nkeys:";
     const char* before = " ";
     for (const auto& [effect, count] : it.keys)
-        out << std::exchange(before, ", ") << count << ' ' << effect_name(effect);
+        out << std::exchange(before, ", ") << count << ' ' << json_file::shown(effect);
     out << (it.keys.empty() ? " none" : "") << "\nchannels:\n";
     print(out, it.channels);
     out << "never lit:" << (it.dark.empty() ? " none" : "") << '\n';
@@ -89,7 +82,7 @@ void describe_as_json(std::ostream& out, const Animation& show, const std::strin
     };
     Json keys = Json::object();
     for (const auto& [effect, count] : it.keys)
-        keys[effect_name(effect)] = count;
+        keys[json_file::shown(effect)] = count;
     out << Json{{"format", format},
                 {"milliseconds", it.milliseconds},
                 {"intro", show.introSize},

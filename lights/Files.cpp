@@ -30,10 +30,6 @@ std::string reason(int error, const char* missing) {
     }
 }
 
-std::string shown_limit() {
-    return "more than " + std::to_string(limits.bytes / 1'000'000'000) + " GB; --no-limit";
-}
-
 /// Where a path leads: to a descriptor of this program, or to a file that may not be there yet.
 struct Target {
     explicit Target(const std::string& given) : path(given) {
@@ -72,8 +68,7 @@ public:
         const auto count = static_cast<std::size_t>(pptr() - pbase());
         written += count;
         if (written > limits.bytes)
-            throw Failure("cannot write " + name + ": it takes " + shown_limit() +
-                          " writes it all the same");
+            throw Failure("cannot write " + name + ": it takes " + too_many_bytes("writes"));
         setp(buffer.data(), buffer.data() + buffer.size());
         put(buffer.data(), count);
     }
@@ -205,13 +200,13 @@ public:
     /// Nothing more will be written.
     void finish() {
         sink.drain();
-        if (!isCopied && !closed())
+        if (spare == nullptr && !closed())
             sink.fail(errno);
     }
 
     /// Puts the draft in its place.
     void commit() {
-        if (isCopied)
+        if (spare != nullptr)
             copy();
         const SignalsWait wait;
         if (!path.empty() && std::rename(path.c_str(), target.path.c_str()) != 0)
@@ -249,7 +244,6 @@ private:
             sink.fail(error);
         static_cast<void>(closed());
         remove();
-        isCopied = true;
         spare.reset(std::tmpfile());
         if (spare == nullptr)
             sink.fail(errno);
@@ -311,8 +305,7 @@ private:
     std::ostream stream{&sink};
     fs::path path; ///< Of the draft, where it stands beside its target.
     Listed listed{};
-    bool isCopied = false;
-    std::unique_ptr<std::FILE, Close> spare; ///< Where it does not.
+    std::unique_ptr<std::FILE, Close> spare; ///< Where it does not: it is copied from here.
 };
 
 } // namespace
@@ -342,7 +335,7 @@ std::string InputFile::text() {
         stream->read(part.data(), part.size());
         all.append(part.data(), static_cast<std::size_t>(stream->gcount()));
         if (all.size() > limits.bytes)
-            throw std::runtime_error(name + ": has " + shown_limit() + " reads it all the same");
+            throw std::runtime_error(name + ": has " + too_many_bytes("reads"));
     }
     if (stream->bad())
         throw std::runtime_error(name + ": cannot be read");

@@ -2,6 +2,7 @@
 
 #include "Files.h"
 #include "Recording.h"
+#include "Text.h"
 #include "parse.h"
 
 #include <algorithm>
@@ -67,5 +68,5 @@ std::optional<unsigned int> Labels::find(const std::string& word) const {
     for (const Label& label : labels)
         names += (names.empty() ? "" : ", ") + label.name;
     throw std::runtime_error((called(name) == 0 ? "no label is" : "several labels are") +
-                             (" called \"" + std::string(name) + "\"; there are " + names));
+                             (" called " + in_quotes(name) + "; there are " + names));
 }

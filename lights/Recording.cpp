@@ -69,13 +69,12 @@ struct Reader {
     }
 
     Animation finish() {
-        for (auto& [number, row] :
-             channels) // a universe that never sends keeps its time all the same
-            if (row.empty())
+        for (auto& [number, row] : channels) {
+            if (row.empty()) // what never sends keeps its time all the same
                 row.push_back({&show.layers[channel_name(number, 1)]});
-        for (auto& [number, row] : channels)
             for (Channel& channel : row)
                 channel.change(std::max(now, sent + 1), Wait);
+        }
         return std::move(show);
     }
 
@@ -110,7 +109,7 @@ struct Reader {
 Animation read_recording(std::istream& in, const std::string& name) {
     std::error_code unknown; // where it is called after no regular file
     const auto size = static_cast<double>(std::filesystem::file_size(name, unknown));
-    Progress progress("reading " + printable(name));
+    Progress progress("reading " + name);
     Reader reader;
     std::vector<char> line(longestLine);
     std::uint64_t done = 0;
@@ -124,8 +123,7 @@ Animation read_recording(std::istream& in, const std::string& name) {
             if (!ends && !in.eof())
                 throw std::runtime_error("a line has fewer than 65536 bytes");
             if (done > limits.bytes)
-                throw std::runtime_error(
-                    "there is more than 1 GB; --no-limit reads it all the same");
+                throw std::runtime_error("there is " + too_many_bytes("reads"));
         }
     } catch (const std::runtime_error& error) {
         throw std::runtime_error(name + ":" + std::to_string(reader.lines) + ": " + error.what());

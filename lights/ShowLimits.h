@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 /// How much a program reads and writes at most, so that a slip fills neither the memory nor the
 /// disk.
@@ -11,3 +12,10 @@ struct ShowLimits {
 };
 constexpr ShowLimits unlimited{UINT64_MAX, SIZE_MAX};
 inline ShowLimits limits;
+
+/// What is said of more bytes than `limits` allow: only without them the program "reads" or
+/// "writes" so many.
+inline std::string too_many_bytes(const std::string& does) {
+    return "more than " + std::to_string(limits.bytes / 1'000'000'000) + " GB; --no-limit " + does +
+           " it all the same";
+}

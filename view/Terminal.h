@@ -1,9 +1,11 @@
 #pragma once
 
+#include "Text.h"
+
 #include <chrono>
 #include <csignal>
 #include <string>
-#include <utility>
+#include <string_view>
 
 /// Whether the standard output is a terminal.
 bool on_terminal();
@@ -31,7 +33,7 @@ public:
 /// Shows on stderr, if that is a terminal, how far a job has come that takes longer than a second.
 class Progress {
 public:
-    explicit Progress(std::string job) : job(std::move(job)) {}
+    explicit Progress(std::string_view job) : job(printable(job)) {}
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress();

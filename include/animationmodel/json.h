@@ -119,16 +119,18 @@ inline std::string_view name_of(AnimationKeyCommandEffect effect) {
     return index < std::size(effects) ? effects[index] : std::string_view();
 }
 
+inline std::string shown(AnimationKeyCommandEffect effect) {
+    const std::string_view name = name_of(effect);
+    return name.empty() ? "effect " + std::to_string(std::int32_t{effect}) : std::string(name);
+}
+
 /// The command of these parts, which its constructor may refuse.
 inline AnimationKeyCommand command_of(const Place& key, AnimationKeyCommandEffect effect,
                                       const std::vector<float>& args) {
     try {
         return {effect, args};
     } catch (const std::invalid_argument& error) {
-        const std::string_view name = name_of(effect);
-        const std::string shown =
-            name.empty() ? "effect " + std::to_string(std::int32_t{effect}) : std::string(name);
-        refuse({key, 1}, shown + ": " + error.what());
+        refuse({key, 1}, shown(effect) + ": " + error.what());
     }
 }
 
