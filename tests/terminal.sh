@@ -1,8 +1,8 @@
 #!/bin/sh
 # terminal.sh LIGHTSHOW DEMO: what the two programs draw on a terminal, and where there is none.
 set -eu
-lightshow=$1
-demo=$2
+lightshow=$(readlink -f "$1")
+demo=$(readlink -f "$2")
 . "$(dirname "$(readlink -f "$0")")/scratch.sh"
 unset NO_COLOR
 export SHELL=/bin/sh
@@ -95,14 +95,23 @@ stopped
 esac
 
 # What takes long shows how far it is, on one line that is gone in the end.
+shows() { # what it has to look like, and what is shown
+    # shellcheck disable=SC2254 # a pattern
+    case $2 in
+    $1) ;;
+    *)
+        printf 'terminal.sh: what takes long shows\n%.700s\n' "$2" >&2
+        exit 1
+        ;;
+    esac
+}
 printf '{"fps": 1000, "layers": {"1.512": [["Hold", [255], 600000]]}}' >last.json
 printf '{"fps": 1000, "layers": {"1.1": [["Hold", [1], 1], ["Hold", [2], 1]]}}' >blinks.json
 long=$(on_terminal \
     "'$lightshow' blinks.json --loop 300000 --override last.json 0 --write /dev/null")
-case $long in
-'^?7lwriting ... '*' %^K^?7h^?7lwriting ... '*' %^K^?7h^K') ;;
-*)
-    printf 'terminal.sh: what takes long shows\n%.700s\n' "$long" >&2
-    exit 1
-    ;;
-esac
+shows '^?7lwriting ... * %^K^?7h^?7lwriting ... * %^K^?7h^K' "$long"
+red=$(printf 'red\033[31m')
+mkfifo "$red"
+{ printf 'OLA Show\n1 7\n' && sleep 1.2 && printf '9\n1 8\n9\n'; } >"$red" &
+slow=$(on_terminal "'$lightshow' '$red' --write /dev/null")
+shows '^?7lreading red\\x1b\[31m ... 0 %^K^?7h*^K' "$slow"
