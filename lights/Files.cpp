@@ -200,7 +200,7 @@ public:
     /// Nothing more will be written.
     void finish() {
         sink.drain();
-        if (spare == nullptr && !closed())
+        if (!closed())
             sink.fail(errno);
     }
 
@@ -261,7 +261,6 @@ private:
 
     void copy() {
         complain(name + ": written in place, since no draft could replace it");
-        static_cast<void>(closed());
         descriptor = open(target.path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
         if (descriptor < 0)
             sink.fail(errno);
