@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "ShowLimits.h"
+#include "Terminal.h"
 #include "parse.h"
 
 #include <array>
@@ -327,12 +328,15 @@ InputFile::InputFile(const std::string& path) : name(path == "-" ? "standard inp
 }
 
 std::string InputFile::text() {
+    const double size = size_of(name);
+    Progress progress("reading " + name);
     std::string all;
     std::array<char, 65536> part{};
     while (*stream &&
            all.find('\0', all.size() - std::min(all.size(), part.size())) == std::string::npos) {
         stream->read(part.data(), part.size());
         all.append(part.data(), static_cast<std::size_t>(stream->gcount()));
+        progress(static_cast<double>(all.size()), size);
         if (all.size() > limits.bytes)
             throw std::runtime_error(name + ": has " + too_many_bytes("reads"));
     }

@@ -1,6 +1,7 @@
 #include "Fit.h"
 
 #include "Dmx.h"
+#include "Terminal.h"
 
 #include <animationmodel/play.h>
 
@@ -86,9 +87,10 @@ unsigned int next_step(unsigned int frame, unsigned int step) {
 }
 
 /// Keys with values for [begin, end), of which `track` is: as many as `most`, if it takes more. At
-/// the end they send `last`, if something has to.
+/// the end they send `last`, if something has to. `reached` is told the frames on the way.
+template <class Reached>
 KeyVector join(Track& track, unsigned int begin, unsigned int end, unsigned int step,
-               std::optional<int> last, std::size_t most) {
+               std::optional<int> last, std::size_t most, const Reached& reached) {
     Joined joined;
     unsigned int at = next_step(begin, step);
     const auto sent = [&] {
@@ -114,6 +116,7 @@ KeyVector join(Track& track, unsigned int begin, unsigned int end, unsigned int 
         }
         if (end - at > step) {
             at += step;
+            reached(at);
             continue;
         }
         if (last && !send(end, *last)) {
@@ -127,8 +130,9 @@ KeyVector join(Track& track, unsigned int begin, unsigned int end, unsigned int 
 }
 
 /// The keys of a layer in a show of `duration` frames.
+template <class Reached>
 KeyVector fitted(const std::string& name, const KeyVector& keys, unsigned int step,
-                 unsigned int duration) {
+                 unsigned int duration, const Reached& reached) {
     KeyVector result;
     Track track(name, keys);
     unsigned int end = 0;
@@ -143,7 +147,7 @@ KeyVector fitted(const std::string& name, const KeyVector& keys, unsigned int st
             std::optional<int> last; // what a Wait keeps, and a layer that ends before the show
             if (key != keys.end() ? key->command.effect == Wait : end < duration)
                 last = dmx_value(std::prev(key)->command.args.back());
-            joined = join(track, begin, end, step, last, count);
+            joined = join(track, begin, end, step, last, count, reached);
         }
         if (!joined.empty() && joined.size() < count)
             result.insert(result.end(), joined.begin(), joined.end());
@@ -162,6 +166,12 @@ KeyVector fitted(const std::string& name, const KeyVector& keys, unsigned int st
 
 void fit(Animation& show, unsigned int step) {
     const unsigned int duration = show.durationInFrames();
-    for (auto& [name, keys] : show.layers)
-        keys = fitted(name, keys, step, duration);
+    Progress progress("fitting");
+    double before = 0; // the frames of the layers that are done
+    const double all = static_cast<double>(show.layers.size()) * duration;
+    for (auto& [name, keys] : show.layers) {
+        const auto reached = [&](unsigned int frame) { progress(before + frame, all); };
+        keys = fitted(name, keys, step, duration, reached);
+        before += duration;
+    }
 }

@@ -205,14 +205,14 @@ void check_size(const Header& header, std::optional<std::uint64_t> rest, bool li
                " steps take much memory, which --no-limit allows");
 }
 
-/// The channel data, unpacked: one step after another.
+/// The channel data, unpacked: one step after another. That is half of what `progress` is told of.
 Bytes read_data(std::istream& in, const Header& header, Progress& progress) {
     Bytes data;
     constexpr std::uint64_t pieceSize = std::uint64_t{1} << 16;
-    const auto size = static_cast<double>(header.size());
+    const double all = 2 * static_cast<double>(header.size());
     while (header.packing == 0 && data.size() < header.size()) {
         read_bytes(in, data, std::min(pieceSize, header.size() - data.size()));
-        progress.at(static_cast<double>(data.size()), size);
+        progress(static_cast<double>(data.size()), all);
     }
     Bytes packed;
     for (std::size_t i = 0; i < header.blocks.size(); ++i) {
@@ -229,7 +229,7 @@ Bytes read_data(std::istream& in, const Header& header, Progress& progress) {
             if (piece.size() > end * header.channels - data.size())
                 refuse("it holds more than its steps");
             data.insert(data.end(), piece.begin(), piece.end());
-            progress.at(static_cast<double>(data.size()), size);
+            progress(static_cast<double>(data.size()), all);
         };
         try {
             if (header.packing == 1)
@@ -259,8 +259,10 @@ std::vector<KeyVector*> add_layers(LayerMap& layers, const Header& header) {
     return added;
 }
 
-/// Makes a Hold of each row of equal bytes. Each layer is allocated once, at its size.
-void add_keys(const std::vector<KeyVector*>& layers, const Bytes& data, const Header& header) {
+/// Makes a Hold of each row of equal bytes. Each layer is allocated once, at its size. That is the
+/// other half.
+void add_keys(const std::vector<KeyVector*>& layers, const Bytes& data, const Header& header,
+              Progress& progress) {
     if (data.empty())
         return;
     const std::size_t width = layers.size();
@@ -280,6 +282,7 @@ void add_keys(const std::vector<KeyVector*>& layers, const Bytes& data, const He
                                         (at - std::exchange(marks[i], at)) * header.step);
         if (row == end)
             return;
+        progress(static_cast<double>(header.steps + at), 2 * static_cast<double>(header.steps));
     }
 }
 
@@ -404,7 +407,7 @@ Sequence read_fseq(std::istream& in, const std::string& name, bool limited) {
         Progress progress("reading " + name);
         const Bytes data = read_data(in, header, progress);
         Sequence sequence{Animation(1000), header.step, header.media};
-        add_keys(add_layers(sequence.show.layers, header), data, header);
+        add_keys(add_layers(sequence.show.layers, header), data, header, progress);
         return sequence;
     } catch (const std::runtime_error& error) {
         throw std::runtime_error(name + ": " + error.what());
@@ -438,6 +441,6 @@ void write_fseq(std::ostream& out, const Animation& show, unsigned int step,
         for (Output& output : outputs)
             render(output, first, count, step, channels, rows);
         write(rows);
-        progress.at(first += count, steps);
+        progress(first += count, steps);
     }
 }

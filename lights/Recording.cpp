@@ -9,7 +9,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <filesystem>
 #include <stdexcept>
 #include <string_view>
 
@@ -107,8 +106,7 @@ struct Reader {
 } // namespace
 
 Animation read_recording(std::istream& in, const std::string& name) {
-    std::error_code unknown; // where it is called after no regular file
-    const auto size = static_cast<double>(std::filesystem::file_size(name, unknown));
+    const double size = size_of(name);
     Progress progress("reading " + name);
     Reader reader;
     std::vector<char> line(longestLine);
@@ -116,7 +114,7 @@ Animation read_recording(std::istream& in, const std::string& name) {
     try {
         while (in.getline(line.data(), longestLine).gcount() > 0) {
             done += static_cast<std::uint64_t>(in.gcount());
-            progress.at(static_cast<double>(done), size);
+            progress(static_cast<double>(done), size);
             const bool ends = in.good(); // with a line break, which is counted, too
             const auto count = static_cast<std::size_t>(in.gcount()) - (ends ? 1 : 0);
             reader.read({line.data(), count});
@@ -157,7 +155,7 @@ void write_recording(std::ostream& out, const Animation& show) {
         }
         out << text;
         text.clear();
-        progress.at(frame, end);
+        progress(frame, end);
     }
     out << text << (end > 0 ? std::to_string(end - written) + "\n" : "");
 }

@@ -5,6 +5,7 @@
 #include "Fseq.h"
 #include "Recording.h"
 #include "ShowLimits.h"
+#include "Terminal.h"
 
 #include <animationmodel/json.h>
 #include <animationmodel/retime.h>
@@ -12,6 +13,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -20,8 +22,9 @@ using namespace Kiv;
 
 namespace {
 
-Animation show_of(const std::string& text) {
-    Animation show = animation_from_json(text);
+Animation show_of(const std::string& text, const std::string& file) {
+    Progress progress("reading " + file);
+    Animation show = animation_from_json(text, std::ref(progress));
     for (auto& [name, keys] : std::exchange(show.layers, {})) {
         const auto [universe, channel] = channel_of(name);
         if (!show.layers.try_emplace(channel_name(universe, channel), std::move(keys)).second)
@@ -80,7 +83,7 @@ Animation read_show(const std::string& path, Rendering& rendering) {
     tell("JSON");
     const std::string text = file.text();
     try {
-        return show_of(text);
+        return show_of(text, file.name);
     } catch (const std::exception& error) {
         throw std::runtime_error(file.name + ": " + error.what());
     }
@@ -89,7 +92,8 @@ Animation read_show(const std::string& path, Rendering& rendering) {
 void write_show(const Animation& show, const std::string& path, const Rendering& rendering,
                 std::ostream& out) {
     if (path.ends_with(".json")) {
-        out << animation_to_json(show);
+        Progress progress("writing");
+        out << animation_to_json(show, std::ref(progress));
     } else if (path.ends_with(".fseq")) {
         if (!waits(show))
             return write_fseq(out, show, rendering.step(), rendering.media);

@@ -2,7 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 /// How much a program reads and writes at most, so that a slip fills neither the memory nor the
 /// disk.
@@ -12,6 +14,12 @@ struct ShowLimits {
 };
 constexpr ShowLimits unlimited{UINT64_MAX, SIZE_MAX};
 inline ShowLimits limits;
+
+/// The bytes of a file; where they are not known beforehand, as of a pipe, a very large number.
+inline double size_of(const std::string& name) {
+    std::error_code unknown;
+    return static_cast<double>(std::filesystem::file_size(name, unknown));
+}
 
 /// What is said of more bytes than `limits` allow: only without them the program "reads" or
 /// "writes" so many.

@@ -19,8 +19,11 @@
 #include <animationmodel/Rotation.h>
 #include <animationmodel/retime.h>
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
 #include <iostream>
+#include <utility>
 
 using namespace Kiv;
 
@@ -129,22 +132,39 @@ void override_with(Animation& show, Animation&& other, Time at) {
     show.overrideLayersWith(other, at);
 }
 
-/// Plays `count` times what lies between intro and outro. Layer after layer, to tell how far it is.
+/// The first key of a layer that begins at `frame` or later.
+KeyVector::const_iterator key_from(const KeyVector& keys, std::uint64_t frame) {
+    std::uint64_t at = 0;
+    return std::find_if(keys.begin(), keys.end(), [&](const AnimationKey& key) {
+        return std::exchange(at, at + key.duration) >= frame;
+    });
+}
+
+/// Plays `count` times what lies between intro and outro. To play it twice cuts all that there is
+/// to cut; what is left is to copy, and to tell how far that is.
 void loop(Animation& show, unsigned int count) {
     const std::uint64_t parts = std::uint64_t{show.introSize} + show.outroSize;
-    check_length(parts + (show.durationInFrames() - parts) * count);
-    settle(show.layers); // which then last as long
+    const std::uint64_t body = show.durationInFrames() - parts;
+    check_length(parts + body * count);
+    settle(show.layers);
+    show = show.loop(std::min(count, 2U), false, false);
+    if (count <= 2 || body == 0)
+        return;
     Progress progress("looping");
-    LayerMap looped;
-    for (const auto& [name, keys] : show.layers) {
-        Animation layer(show.fps);
-        layer.layers[name] = keys;
-        layer.introSize = show.introSize;
-        layer.outroSize = show.outroSize;
-        looped.merge(layer.loop(count, false, false).layers);
-        progress.at(static_cast<double>(looped.size()), static_cast<double>(show.layers.size()));
+    double done = 0;
+    for (auto& [name, keys] : show.layers) {
+        const auto begin = key_from(keys, show.introSize);
+        const auto end = key_from(keys, show.introSize + body);
+        KeyVector looped;
+        looped.reserve(keys.size() + static_cast<std::size_t>(end - begin) * (count - 2));
+        looped.assign(keys.cbegin(), end);
+        for (unsigned int i = 2; i < count; ++i) {
+            looped.insert(looped.end(), begin, end);
+            progress(++done, static_cast<double>(show.layers.size()) * (count - 2));
+        }
+        looped.insert(looped.end(), end, keys.cend());
+        keys = std::move(looped);
     }
-    show.layers.swap(looped);
 }
 
 /// Writes pieces whose names are numbered, before ".fseq" or ".json" if that is how they end.
@@ -166,7 +186,9 @@ void split(const Animation& show, Duration step, const File& file, const Renderi
         number.insert(0, width - number.size(), '0');
         paths.push_back(File(file).insert(file.size() - kind, number));
     }
+    Progress progress("splitting");
     write_files(paths, [&](std::size_t index, std::ostream& out) {
+        progress(static_cast<double>(index), static_cast<double>(paths.size()));
         write_show(pieces[index], paths[index], rendering, out);
     });
 }
@@ -174,7 +196,10 @@ void split(const Animation& show, Duration step, const File& file, const Renderi
 void draw(const Animation& show, const File& file) {
     Animation played = show;
     settle(played.layers);
-    write_file(file, [&](std::ostream& out) { write_svg(out, "A light show", played); });
+    Progress progress("drawing");
+    write_file(file, [&](std::ostream& out) {
+        write_svg(out, "A light show", played, std::ref(progress));
+    });
 }
 
 struct Action {

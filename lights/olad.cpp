@@ -41,7 +41,7 @@ void play_by_olad(const Kiv::Animation& show, unsigned int rate) {
     unsigned int frame = 0;
     for (std::uint64_t count = 1; interrupted == 0 && frame < end; ++count) {
         send(daemon, player.seek(frame));
-        progress.at(frame, end);
+        progress(frame, end);
         frame = static_cast<unsigned int>(std::min<std::uint64_t>(count * 1000 / rate, end));
         std::this_thread::sleep_until(start + std::chrono::milliseconds(frame));
     }

@@ -305,7 +305,7 @@ void bind_animations(py::module_& m) {
         .def("sample", sampled)
         .def("svg",
              [](const Animation& self, const std::string& title) { return svg_of(title, self); })
-        .def("to_json", animation_to_json)
+        .def("to_json", [](const Animation& self) { return animation_to_json(self); })
         .def("copy", same)
         .def("equals", [](const Animation& a, const Animation& b) { return a == b; })
         .def("__str__", str<Animation>);
@@ -346,7 +346,7 @@ PYBIND11_MODULE(_core, m) {
     m.def("rotation",
           [](float pulse, float rest, unsigned int rise, unsigned int fall,
              unsigned int step) -> Animation { return Rotation(pulse, rest, rise, fall, step); });
-    m.def("from_json", animation_from_json);
+    m.def("from_json", [](std::string_view text) { return animation_from_json(text); });
     m.def("duration_of_layers", py::overload_cast<const LayerMap&>(&Animation::durationInFramesOf));
     m.def("duration_of_keys", py::overload_cast<const KeyVector&>(&Animation::durationInFramesOf));
     m.def("default_fps", [] { return Animation::defaultFps; });

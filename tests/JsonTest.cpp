@@ -75,6 +75,28 @@ TEST(JsonTest, LeavesClassesThatDeriveTheirOwnText) {
     EXPECT_EQ(json(titled), "own");
 }
 
+TEST(JsonTest, TellsHowFarItIs) {
+    Animation show;
+    show.layers["a"].assign(3000, {{Hold, {0.5F}}, 1});
+    std::vector<std::size_t> told;
+    std::size_t all = 0;
+    const auto progress = [&](std::size_t done, std::size_t of) {
+        told.push_back(done);
+        all = of;
+    };
+    const std::string text = animation_to_json(show, progress);
+    EXPECT_EQ(told.size(), 3000U);
+    EXPECT_EQ(told.front(), 1U);
+    EXPECT_EQ(told.back(), 3000U);
+    EXPECT_EQ(all, 3000U);
+    told.clear();
+    EXPECT_EQ(animation_from_json(text, progress), show);
+    EXPECT_EQ(told, (std::vector<std::size_t>{0, 65536, text.size()}));
+    EXPECT_EQ(all, text.size());
+    const auto give_up = [](std::size_t, std::size_t) { throw std::invalid_argument("enough"); };
+    EXPECT_EQ(refusal([&] { return animation_from_json(text, give_up); }), "enough");
+}
+
 /// As edits may leave them, with any floats.
 TEST(JsonTest, ReadsBackTheSameBits) {
     std::mt19937 generator;

@@ -65,8 +65,10 @@ int width_of(const std::string& text) {
 /// Draws an animation; all coordinates are whole numbers, so that every machine draws the same.
 class Drawing {
 public:
-    Drawing(std::ostream& out, const Animation& animation)
-        : out(out), animation(animation), range(animation),
+    Drawing(std::ostream& out, const Animation& animation,
+            const std::function<void(double, double)>& progress)
+        : out(out), animation(animation), progress(progress), range(animation),
+          keys(count_keys(animation.layers)),
           duration(std::max<std::uint64_t>(1, full_duration(animation.layers))) {
         for (const auto& [name, layer] : animation.layers)
             longest = std::max(longest, width_of(name));
@@ -96,6 +98,7 @@ public:
             text(margin, y + 15, "name", name);
             for_each_key(layer, [this, y](const AnimationKey& key, std::uint64_t begin) {
                 block(key, begin, y);
+                advance();
             });
         }
         ruler(lanes + laneHeight * count());
@@ -109,6 +112,12 @@ private:
     int count() const { return static_cast<int>(animation.layers.size()); }
     bool small() const { return count() > 32; } ///< Whether lamps are small and have no names.
     int lampHeight() const { return small() ? 24 : 60; }
+
+    /// Tells that a key is in a lamp, or in its lane.
+    void advance() {
+        if (progress)
+            progress(static_cast<double>(++done), static_cast<double>(2 * keys));
+    }
 
     int at(std::uint64_t frame) const {
         return left + static_cast<int>(
@@ -172,6 +181,7 @@ private:
             end = begin + key.duration;
             add(args.empty() ? std::nullopt : std::optional(args[0]), begin);
             add(args.empty() ? std::nullopt : std::optional(args[args.size() - 1]), end);
+            advance();
         });
         if (end < duration) {
             add(std::nullopt, end);
@@ -219,8 +229,8 @@ private:
 
     /// What to fill a key with that moves between two values. It is drawn before the first one.
     std::string gradient(float from, float to) {
-        const std::string id =
-            "g" + std::to_string(range.level(from)) + "-" + std::to_string(range.level(to));
+        const std::string id = std::string("g") + std::to_string(range.level(from)) + "-" +
+                               std::to_string(range.level(to));
         if (gradients.insert(id).second)
             out << "<linearGradient id=\"" << id << "\"><stop stop-color=\"" << colour(from)
                 << "\"/><stop offset=\"1\" stop-color=\"" << colour(to)
@@ -245,7 +255,10 @@ private:
 
     std::ostream& out;
     const Animation& animation;
+    const std::function<void(double, double)>& progress;
+    std::size_t done = 0; ///< Keys in a lamp, and keys in a lane.
     ValueRange range;
+    std::size_t keys;
     std::uint64_t duration;
     int longest = 0; ///< The longest name.
     int left = 0;    ///< Where frame 0 is.
@@ -257,8 +270,9 @@ private:
 
 } // namespace
 
-void write_svg(std::ostream& out, const std::string& title, const Animation& animation) {
-    Drawing(out, animation).draw(title);
+void write_svg(std::ostream& out, const std::string& title, const Animation& animation,
+               const std::function<void(double, double)>& progress) {
+    Drawing(out, animation, progress).draw(title);
 }
 
 std::string svg_of(const std::string& title, const Animation& animation) {

@@ -61,7 +61,7 @@ Progress::~Progress() {
         std::cerr << "\x1b[K";
 }
 
-void Progress::at(double done, double all) {
+void Progress::operator()(double done, double all) {
     const auto now = std::chrono::steady_clock::now();
     if (now < next || isatty(STDERR_FILENO) == 0)
         return;

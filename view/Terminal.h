@@ -30,7 +30,8 @@ public:
     ~PlayingTerminal();
 };
 
-/// Shows on stderr, if that is a terminal, how far a job has come that takes longer than a second.
+/// Shows on stderr, if that is a terminal, how far a job has come that takes longer than a second:
+/// what it is called with.
 class Progress {
 public:
     explicit Progress(std::string_view job) : job(printable(job)) {}
@@ -38,7 +39,7 @@ public:
     Progress& operator=(const Progress&) = delete;
     ~Progress();
 
-    void at(double done, double all);
+    void operator()(double done, double all);
 
 private:
     std::string job;

@@ -8,11 +8,13 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <istream>
 #include <iterator>
 #include <limits>
 #include <memory>
 #include <set>
 #include <stdexcept>
+#include <streambuf>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -52,16 +54,24 @@
 
 namespace Kiv {
 
+/// Is called while a text is read or written, with how much is done and how much there is to do. It
+/// may throw to give up. An empty one is not called.
+using JsonProgress = std::function<void(std::size_t done, std::size_t all)>;
+
 /// The animation that a text in JSON describes. Throws std::invalid_argument where reading does;
 /// for a text that is not JSON, with line and column; for a number beyond a double's range; and for
 /// an object that has two members of the same name, of which `nlohmann::json::parse` alone would
 /// drop one.
-[[nodiscard]] Animation animation_from_json(std::string_view text);
+///
+/// `progress` is called with bytes: before every 64 kB, and in the end.
+[[nodiscard]] Animation animation_from_json(std::string_view text,
+                                            const JsonProgress& progress = {});
 
 /// The animation as a text in JSON, each key in a line of its own. What `dump` prints is the same,
 /// but in one line, and some floats have more digits than they need. Throws
-/// std::invalid_argument where writing does.
-[[nodiscard]] std::string animation_to_json(const Animation& animation);
+/// std::invalid_argument where writing does. `progress` is called with keys, after each one.
+[[nodiscard]] std::string animation_to_json(const Animation& animation,
+                                            const JsonProgress& progress = {});
 
 /// \cond
 namespace json_file {
@@ -407,17 +417,42 @@ private:
     std::vector<Level> around;
 };
 
+/// A text that is read in parts. Before each one, and in the end, `progress` is told how far that
+/// is.
+class Parts : public std::streambuf {
+public:
+    Parts(std::string_view text, const JsonProgress& progress) : text(text), progress(progress) {}
+
+private:
+    int_type underflow() override {
+        constexpr std::size_t most = 65536;
+        if (progress)
+            progress(done, text.size());
+        const std::string_view part = text.substr(done, most);
+        char* begin = const_cast<char*>(part.data()); // as it wants it; nothing is put there
+        setg(begin, begin, begin + part.size());
+        done += part.size();
+        return part.empty() ? traits_type::eof() : traits_type::to_int_type(part[0]);
+    }
+
+    std::string_view text;
+    const JsonProgress& progress;
+    std::size_t done = 0;
+};
+
 } // namespace json_file
 /// \endcond
 
-inline Animation animation_from_json(std::string_view text) {
+inline Animation animation_from_json(std::string_view text, const JsonProgress& progress) {
     const std::size_t nul = text.find('\0'); // where the parser would take the text to end
     if (nul != std::string_view::npos)
         throw std::invalid_argument(json_file::position_of(text, nul) + ": unexpected " +
                                     json_file::character_at(text, nul));
     try {
         json_file::Names names;
-        return json_file::animation_of(nlohmann::json::parse(text, std::ref(names)));
+        json_file::Parts parts(text, progress);
+        std::istream in(&parts);
+        return json_file::animation_of(nlohmann::json::parse(in, std::ref(names)));
     } catch (const nlohmann::json::parse_error& error) {
         throw std::invalid_argument(json_file::fault_of(text, error));
     } catch (const nlohmann::json::exception& error) {
@@ -426,9 +461,13 @@ inline Animation animation_from_json(std::string_view text) {
     }
 }
 
-inline std::string animation_to_json(const Animation& animation) {
+inline std::string animation_to_json(const Animation& animation, const JsonProgress& progress) {
     using namespace json_file;
     check(animation.layers);
+    std::size_t done = 0;
+    std::size_t all = 0;
+    for (const auto& [name, keys] : animation.layers)
+        all += keys.size();
     std::string text = "{\n  \"fps\": " + text_of(animation.fps) +
                        ",\n  \"introSize\": " + std::to_string(animation.introSize) +
                        ",\n  \"outroSize\": " + std::to_string(animation.outroSize) +
@@ -440,6 +479,8 @@ inline std::string animation_to_json(const Animation& animation) {
         for (const AnimationKey& key : keys) {
             text += std::exchange(beforeKey, ",\n      ");
             append_key(text, key);
+            if (progress)
+                progress(++done, all);
         }
         text += keys.empty() ? "]" : "\n    ]";
     }
