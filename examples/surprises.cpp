@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <iostream>
+#include <stdexcept>
 
 using namespace Kiv;
 
@@ -27,6 +28,15 @@ std::ostream& show(float value) {
 #define SHOW(question)                                                                             \
     std::cout << "`" #question "` is `";                                                           \
     show(question)
+
+/// What is said where a call throws.
+#define THROWS(call)                                                                               \
+    std::cout << "`" #call "` throws `";                                                           \
+    try {                                                                                          \
+        static_cast<void>(call);                                                                   \
+    } catch (const std::invalid_argument& error) {                                                 \
+        show(error.what());                                                                        \
+    }
 
 /// What an expression is after an edit of a fresh lamp.
 #define EDIT(edit, question)                                                                       \
@@ -57,6 +67,7 @@ int main() {
     SHOW(sample(lamp.layers, 5, 1).front());
     EDIT(lamp.removeInLayer("lamp", 3, 0), sample(lamp.layers, 7, 1).front());
     SHOW(AnimationKey(AnimationKeyCommandEffect(7), 5).splitAt(2));
+    SHOW(AnimationKey({Transition, {0, 1e-40F}}, 2).splitAt(1));
 
     // Layers and sizes.
     EDIT(lamp.layer("lamp").clear(), lamp.layer("lamp").size());
@@ -66,6 +77,7 @@ int main() {
     EDIT(lamp.insertInLayer("lamp", dim, 0), lamp.introSize);
     EDIT(lamp.insert(bell, 0), lamp.introSize);
     EDIT(lamp.outroSize = 50, lamp.outroStartFrame());
+    THROWS(lamp.loop(200000000, false, false));
     SHOW(Animation(NAN).fps);
 
     // Edits.

@@ -46,7 +46,7 @@ while read -r edit; do
     }
 done <edits
 sed -n '/^## What may surprise$/,/^## Speed$/p' "$root/README.md" | tr -s '\n ' ' ' |
-    grep -oE '(`[^`]*`: )?`[^`]*` is `[^`]*`' | diff - surprises
+    grep -oE '(`[^`]*`: )?`[^`]*` (is|throws) `[^`]*`' | diff - surprises
 
 # The cookbook, in both languages, and its timelines.
 for language in cpp python; do
