@@ -88,6 +88,12 @@ TEST(AnimationKeyTest, EveryMemberIsAPartOfTheValue) {
                                                  [](AnimationKeyArgs& args) { args.pop_back(); }});
 }
 
+TEST(AnimationKeyTest, ArgumentsAreInLexicographicOrder) {
+    const AnimationKeyArgs ordered[] = {{}, {1}, {1, 2}, {1, 3}, {2}};
+    for (std::size_t i = 1; i < std::size(ordered); ++i)
+        EXPECT_LT(ordered[i - 1], ordered[i]) << i;
+}
+
 TEST(AnimationKeyTest, ArgumentsAreTwoAtMost) {
     AnimationKeyArgs args = make_vector(3, 4);
     EXPECT_THROW(args.push_back(1), std::bad_alloc);
