@@ -97,6 +97,16 @@ const set = (id, text) => {
 };
 """
 
+# Takes the place of what draws, before the module says what that is.
+NO_PICTURE = """
+const fails = () => Error("no memory");
+Object.defineProperty(Object.prototype, "picture", {
+    set() {
+        Object.defineProperty(this, "picture", {get: () => fails, set: () => {}});
+    },
+});
+"""
+
 PROGRAM = r"""
 #include "Recording.h"
 #include "Picture.h"
@@ -679,6 +689,12 @@ def test_failures(page, site):
     page.browser.get((site / "index.html").as_uri())
     told("missing", "opened as a file", "a page that is a file")
     page.devtools("Network.setBlockedURLs", urls=[])
+    script = page.devtools("Page.addScriptToEvaluateOnNewDocument", source=NO_PICTURE)
+    page.open("index.html")
+    told("undrawn", "There is no picture: no memory", "a picture that fails")
+    expect(page.run("return $('picture').shadowRoot") is None, "what could not be drawn is there")
+    expect("layers" in page.text(), "without a picture there is no animation")
+    page.devtools("Page.removeScriptToEvaluateOnNewDocument", **script)
     page.open("index.html#example=none")
     told("told", "no example none", "an example that is not there")
     expect("layers" in page.text(), "there is no animation at all")
