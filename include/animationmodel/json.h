@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <functional>
@@ -76,7 +77,7 @@ using JsonProgress = std::function<void(std::size_t done, std::size_t all)>;
 /// \cond
 namespace json_file {
 
-constexpr std::string_view effects[] = {"Transition", "Hold", "NoValue", "Wait"};
+constexpr std::array<std::string_view, 4> effects{"Transition", "Hold", "NoValue", "Wait"};
 
 /// A place in a file: the whole, or a member or an element of what lies around it.
 struct Place {
