@@ -377,14 +377,13 @@ class Names {
 public:
     bool operator()(int depth, nlohmann::json::parse_event_t event, const nlohmann::json& value) {
         using Event = nlohmann::json::parse_event_t;
-        const bool begins = event == Event::object_start || event == Event::array_start;
         if (event == Event::key) {
             add(value.get_ref<const std::string&>());
+        } else if (event == Event::object_start || event == Event::array_start) {
+            around.emplace_back();
         } else {
             around.resize(static_cast<std::size_t>(depth));
-            if (begins)
-                around.emplace_back();
-            else if (!around.empty())
+            if (!around.empty())
                 ++around.back().index;
         }
         return true;
