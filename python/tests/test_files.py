@@ -10,7 +10,7 @@ EFFECT = ("needs Transition, Hold, NoValue, Wait or a number from -2147483648 to
 
 @pytest.mark.parametrize("text, said", [
     ('[]', 'needs an object with layers, not array'),
-    ('{}', 'needs a member "layers"'),
+    ('{"fps": 25}', 'needs a member "layers"'),
     ('{"layer": {}, "layers": {}}',
      '/layer: no such member: these are fps, introSize, outroSize, layers, version and $schema'),
     ('{"version": 2, "keys": {}}', 'is of version 2, which this library does not know'),
@@ -28,6 +28,8 @@ EFFECT = ("needs Transition, Hold, NoValue, Wait or a number from -2147483648 to
     ('{"layers": {"a/b": 1}}', '/layers/a~1b: needs an array of keys, not 1'),
     ('{"layers": {"a": [["Wait", [], 1], ["Wait", []]]}}',
      '/layers/a/1: needs an effect, its arguments and a number of frames, ["Hold", [1], 5]'),
+    ('{"layers": {"a": [["Wait", [], 1, 2]]}}',
+     '/layers/a/0: needs an effect, its arguments and a number of frames, ["Hold", [1], 5]'),
     ('{"layers": {"a": [["hold", [1], 1]]}}', '/layers/a/0/0: ' + EFFECT + '"hold"'),
     ('{"layers": {"a": [[2147483648,[],1]]}}', '/layers/a/0/0: ' + EFFECT + '2147483648'),
     ('{"layers": {"a": [[-2147483649,[],1]]}}', '/layers/a/0/0: ' + EFFECT + '-2147483649'),
