@@ -16,6 +16,8 @@ TEST(ViewTest, ColoursAnyRangeOfValues) {
     EXPECT_EQ(range.level(3e38F), 255);
     EXPECT_EQ(range.level(INFINITY), 255);
     EXPECT_EQ(range.level(NAN), 0);
+    EXPECT_EQ(ValueRange(animation("a: H0:1")).level(0), 0);
+    EXPECT_EQ(ValueRange(animation("a: H-7:1")).level(-7), 255);
 }
 
 TEST(ViewTest, ShowsTheLongestLayers) {

@@ -20,7 +20,7 @@ ValueRange::ValueRange(const Animation& animation) {
 
 int ValueRange::level(float value) const {
     if (!(least < greatest))
-        return 255;
+        return value < 0 || value > 0 ? 255 : 0;
     const double range = double{greatest} - least; // which may be more than a float holds
     const double part = (double{value} - least) / range;
     return part > 0 ? static_cast<int>(std::lround(std::min(part, 1.0) * 255)) : 0;

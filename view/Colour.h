@@ -6,7 +6,8 @@
 struct ValueRange {
     explicit ValueRange(const Kiv::Animation& animation);
 
-    /// 0 for the least value to 255 for the greatest; 0 for a NaN.
+    /// 0 for the least value to 255 for the greatest. Where there is only one value, it is the
+    /// greatest unless it is 0. 0 for a NaN.
     int level(float value) const;
 
     float least = 0;
