@@ -12,6 +12,11 @@ FILENAME !~ /\/(Animation|Rotation|retime)\.h$/ { # others have operations of th
     print
     next
 }
+/ introSize; +\/\/\/</ { # both sizes are set there
+    print $0 " <a class=\"try\" href=\"../index.html#operation=introSize\">" \
+        "Try it in the browser</a>"
+    next
+}
 /^ *\/\/\/ / { commented = 1 }
 commented && match($0, /[A-Za-z_]+\(/) && !/^ *\/\// {
     name = substr($0, RSTART, RLENGTH - 1)

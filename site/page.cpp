@@ -160,6 +160,13 @@ val intro_body_outro(Animation& show, const std::string& part) {
     });
 }
 
+val set_parts(Animation& show, unsigned int introFrames, unsigned int outroFrames) {
+    return result_of([&] {
+        show.introSize = introFrames;
+        show.outroSize = outroFrames;
+    });
+}
+
 val set_frame_rate(Animation& show, float fps) {
     return result_of([&] { change_frame_rate(show, fps); });
 }
@@ -342,6 +349,7 @@ EMSCRIPTEN_BINDINGS(page) {
         .function("fillInLayer", &Edit<&Animation::fillInLayer>::call)
         .function("setFPSToFitDurationInSeconds",
                   &Edit<&Animation::setFPSToFitDurationInSeconds>::call)
+        .function("introSize", &set_parts)
         .function("change_frame_rate", &set_frame_rate)
         .function("stretch_to", &set_length)
         .function("reset", &Edit<&Animation::reset>::call)

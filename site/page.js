@@ -56,6 +56,12 @@ const operations = {
         },
     },
     "Time": {
+        introSize: {
+            label: "Set the parts",
+            cpp: "show.introSize = introFrames; show.outroSize = outroFrames;",
+            does: "Says how many frames the intro has, from the start, and the outro, up to the " +
+                "end. The body lies between. No key moves.",
+        },
         setFPSToFitDurationInSeconds: {
             label: "Fit to seconds", cpp: "show.setFPSToFitDurationInSeconds(seconds);",
             does: "Sets the frame rate so that the animation lasts so long. No key moves.",
@@ -120,6 +126,7 @@ const controls = {
     count: frames("2"), frames: frames("40"), step: frames("10"), piece: frames("1"),
     riseDuration: frames("4"), fallDuration: frames("8"), stepDuration: frames("3"),
     cuts: { kind: "cuts", name: "frames", follows: true }, fps: float("30"), seconds: float("8"),
+    introFrames: frames("10"), outroFrames: frames("10"),
     pulseValue: float("1"), restValue: float("0.1"),
     keepIntro: flag, keepOutro: flag, repeatIntro: flag, repeatOutro: flag,
     name: { kind: "layer" }, keys: { kind: "choice" },

@@ -69,7 +69,8 @@ def check_site(site, titles):
     pages = {file: Page(file) for file in [*site.rglob("*.html")]}
     script = (site / "page.js").read_text(encoding="utf-8")
     table = re.search(r"^const operations = {.*?^};", script, flags=re.M | re.S)[0]
-    operations = {*re.findall(r"(?:show\.|\b(?=Rotation\b)|\b(?=\w+\(show, ))(\w+)\(", table)}
+    call = r"(?:show\.|\b(?=Rotation\b)|\b(?=\w+\(show, ))(\w+)(?:\(| = introFrames)"
+    operations = {*re.findall(call, table)}
     tried = set()
     for file, page in pages.items():
         for link in page.links:

@@ -34,7 +34,7 @@ ODD = """{"fps": "nan", "introSize": 1, "layers": {"a\\u0000\\"\\\\?\\n": [["Hol
     "none": [], "tiny": [["Hold", [1e-45], 1], ["Transition", [3e38, 16777217], 4]]}}"""
 # What leaves the values of ODD in it.
 ODD_STAYS = ["insert", "insertInLayer", "replaceInLayer", "pushBackInLayer", "fillInLayer", "loop",
-             "overrideLayersWith", "stretch_to"]
+             "overrideLayersWith", "introSize", "stretch_to"]
 RECORDING = "OLA Show\n1 0,255\n500\n1 80,255\n20\n2 7\n40\n"
 
 # The parameters of each operation by their names in C++. Pieces and parts are numbers and words of
@@ -45,7 +45,8 @@ FIELDS = {
     "replaceInLayer": "name start count keys", "insertInLayer": "name keys frame",
     "pushBackInLayer": "name keys", "removeInLayer": "name start count",
     "overrideLayerWith": "name keys frame", "fillInLayer": "name frames",
-    "setFPSToFitDurationInSeconds": "seconds", "change_frame_rate": "fps", "stretch_to": "frames",
+    "introSize": "introFrames outroFrames", "setFPSToFitDurationInSeconds": "seconds",
+    "change_frame_rate": "fps", "stretch_to": "frames",
     "loop": "count repeatIntro repeatOutro", "splitAt": "frames keepIntro keepOutro piece",
     "splitEach": "step keepIntro keepOutro piece", "introBodyOutroLayers": "part",
     "Rotation": "pulseValue restValue riseDuration fallDuration stepDuration", "reset": "",
@@ -383,7 +384,7 @@ def test_addresses(page):
         for value in given.values():
             expect(re.search(rf"\b{value}\b", words), f"{operation}: {value} is not in {code}")
             words = re.sub(rf"\b{value}\b", "", words, count=1)
-        expect(re.search(rf"\b{operation}\(", code), f"{operation} is not in {code}")
+        expect(re.search(rf"\b{operation}\b", code), f"{operation} is not in {code}")
         expect(page.run("return drawn() !== null"), f"#operation={operation} shows no picture")
     for name in ["explode", "constructor"]:
         page.open(f"index.html#operation={name}")
