@@ -47,7 +47,8 @@ async function indexed() {
     return lunr(function() {
         this.field("title", { boost: 5 });
         this.field("text");
-        sections.forEach(([, , title, text], at) => this.add({ id: at, title, text }));
+        sections.forEach(([address, , title, text], at) => this.add({ id: at, title, text },
+            { boost: address.startsWith("python") ? 0.5 : 1 })); // most read of C++
     });
 }
 
