@@ -128,7 +128,7 @@ mkfifo pipe.json
 { printf '{' && sleep 0.1 && tail -c +2 short.json; } >pipe.json &
 tells 'reading pipe.json' pipe.json
 tells 'reading red\x1b[31m.json' "'$red' --describe"
-tells fitting many --fit
+tells fitting many --loop 20 --fit --step 1
 tells drawing many --svg many.svg
 tells looping many.json --keep 0 1 --loop 20000
 tells splitting many --keep 0 100 --split 1 piece
