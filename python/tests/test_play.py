@@ -67,7 +67,7 @@ def test_stretching_keeps_the_frame_rate(frames):
 
 def test_layers_may_be_edited_while_they_are_sampled():
     flash = Key(Hold, [2], 5)
-    show = Animation({"a": [Key(Transition, [0, 1], 50)] * 2000})
+    show = Animation({"a": [Key(Transition, [0, 1], 1000)] * 2000})
     before = show.sample()
     stop = threading.Event()
 
