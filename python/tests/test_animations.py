@@ -76,6 +76,7 @@ def test_rotations_have_what_they_are_made_of():
     members = ring.pulse_value, ring.rest_value, ring.rise_duration, ring.fall_duration
     assert members == (numpy.float32(0.1), 0, 3, 2)
     assert ring.step_duration == 4
+    assert ring.layer("FaceLed0")[:2] == [Key(Transition, [0, 0.1], 3), Key(Transition, [0.1, 0], 2)]
     assert repr(ring) == (
         "Rotation(pulse_value=0.1, rest_value=0, rise_duration=3, fall_duration=2, step_duration=4)"
     )
@@ -88,7 +89,10 @@ def test_rotations_have_what_they_are_made_of():
 
 
 def test_repr_makes_an_equal_one():
-    assert eval(repr(lamp())) == lamp()
+    show = lamp()
+    show.fps = 12.5
+    show.outro_size = 7
+    assert eval(repr(show)) == show
     assert repr(Show("a")).startswith("Show({'lamp'")
     assert str(Animation({"a": [FLASH]})) == "25 fps, intro 0, outro 0\na: Hold (7) over 3"
 

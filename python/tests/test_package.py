@@ -81,6 +81,7 @@ def test_notebooks_can_be_exported():
     alternative, picture = re.search(image, page).groups()
     assert base64.b64decode(picture).decode() == show.svg()
     assert alternative == "An animation of 3 frames"
+    assert "A &amp; B" in show.svg("A & B")
 
 
 def test_great_animations_are_no_pictures():
