@@ -27,6 +27,12 @@ def some_slice(draw):
     return slice(draw.choice(parts), draw.choice(parts), draw.choice([None, 1, 2, -1, -3, 0]))
 
 
+def emptied(keys, draw):
+    """A key, for which the others go."""
+    keys.clear()
+    yield some_key(draw)
+
+
 # What people do with a list, and with a dict of lists. `draw` gives the same twice.
 OF_LISTS = {
     "append": lambda keys, draw: keys.append(some_key(draw)),
@@ -49,6 +55,8 @@ OF_LISTS = {
     "set item": lambda keys, draw: keys.__setitem__(some_index(draw), some_key(draw)),
     "set slice": lambda keys, draw: keys.__setitem__(some_slice(draw), some_keys(draw)),
     "set slice to itself": lambda keys, draw: keys.__setitem__(slice(1, 3), keys[:4]),
+    "set slice of what is gone": lambda keys, draw: keys.__setitem__(slice(1, 3),
+                                                                     emptied(keys, draw)),
     "delete item": lambda keys, draw: keys.__delitem__(some_index(draw)),
     "delete slice": lambda keys, draw: keys.__delitem__(some_slice(draw)),
     "+": lambda keys, draw: (keys + some_keys(draw), some_keys(draw) + keys, keys + keys),
