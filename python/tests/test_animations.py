@@ -67,7 +67,7 @@ def test_copies_keep_what_a_subclass_adds(protocol):
     show = Show("a")
     again = copy.deepcopy(show) if protocol < 0 else pickle.loads(pickle.dumps(show, protocol))
     assert again.title == "a"
-    assert again.notes == [again]
+    assert again.notes[0] is again
     assert copy.copy(show).notes is show.notes
 
 

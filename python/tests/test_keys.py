@@ -49,6 +49,12 @@ def test_keys_that_differ(other):
     assert not Key(Hold, [1], 5) == other
 
 
+@pytest.mark.parametrize("effect", [-1, 4, 2**31 - 1])
+def test_effects_without_a_name_are_numbers(effect):
+    assert Key(effect, [], 5).effect == effect
+    assert repr(Key(effect, [], 5)) == f"Key({effect}, [], 5)"
+
+
 def test_zero_and_minus_zero_are_equal():
     assert len({Key(Hold, [0.0], 5), Key(Hold, [-0.0], 5)}) == 1
 

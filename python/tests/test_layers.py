@@ -167,8 +167,16 @@ def test_what_is_put_in_is_copied():
     assert show.layers["b"] == []
 
 
+def test_the_last_layer_is_popped():
+    show = Animation({"a": [], "b": [], "c": []})
+    assert show.layers.popitem() == ("c", [])
+    assert list(show.layers) == ["a", "b"]
+
+
 def test_long_layers_are_shown_by_their_length():
-    show = Animation({"a": [Key(Wait, [], 1)] * 101})
+    show = Animation({"a": [Key(Wait, [], 1)] * 100})
+    assert repr(show.layers["a"]).count("Key(Wait, [], 1)") == 100
+    show.layers["a"].append(Key(Wait, [], 1))
     assert repr(show.layers["a"]) == "<Layer of 101 keys>"
     assert repr(show.layers) == "<Layers of 101 keys>"
     assert repr(show) == "<Animation of 1 layers, 101 frames at 25 fps>"
