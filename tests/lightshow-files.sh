@@ -116,6 +116,8 @@ refuses 1 "cannot write /dev/null: it takes more than 1 GB; $limit" \
     blinks --loop 600000 --override last 0 --write /dev/null
 { echo 'OLA Show' && yes "$(printf '%065000d 0\n0' 1)"; } 2>/dev/null |
     refuses 2 'standard input:30768: there is more than 1 GB; --no-limit reads it all the same' -
+{ echo '{' && yes "$(printf '%065000d' 0 | tr 0 ' ')"; } 2>/dev/null |
+    refuses 2 'standard input: has more than 1 GB; --no-limit reads it all the same' -
 refuses 2 '--split 1 p: 1001 files are more than 1000; --no-limit writes them all the same' \
     a --last 1001 --split 1 p
 printf '{"fps": 1000, "layers": {"1.1": [["Hold", [7], 2147483647]]}}' >longest
