@@ -31,6 +31,15 @@ TEST(ViewTest, ShowsTheLongestLayers) {
     EXPECT_LT(svg_of("Long", it).size(), 10000U);
 }
 
+TEST(ViewTest, LampsOfManyLayersAreSmall) {
+    Animation it;
+    for (int number = 0; number < 32; ++number)
+        it.layers[std::to_string(number)];
+    EXPECT_NE(svg_of("32", it).find(" r=\"16\""), std::string::npos);
+    it.layers["one more"];
+    EXPECT_NE(svg_of("33", it).find(" r=\"8\""), std::string::npos);
+}
+
 TEST(ViewTest, PicturesAreXmlWhateverTheNames) {
     const std::string bad = "\xef\xbf\xbd";
     const std::string svg = svg_of("a<b>&\x01\x7f\xff\xed\xa0\x80\xc3\xa9\xf0\x9f\x92\xa1", {});

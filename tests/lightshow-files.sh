@@ -118,6 +118,9 @@ refuses 1 "cannot write /dev/null: it takes more than 1 GB; $limit" \
     refuses 2 'standard input:30768: there is more than 1 GB; --no-limit reads it all the same' -
 { echo '{' && yes "$(printf '%065000d' 0 | tr 0 ' ')"; } 2>/dev/null |
     refuses 2 'standard input: has more than 1 GB; --no-limit reads it all the same' -
+mkdir thousand
+"$lightshow" a --last 1000 --split 1 thousand/p
+[ "$(find thousand -type f | wc -l)" -eq 1000 ] || fail 'writes no 1000 files'
 refuses 2 '--split 1 p: 1001 files are more than 1000; --no-limit writes them all the same' \
     a --last 1001 --split 1 p
 printf '{"fps": 1000, "layers": {"1.1": [["Hold", [7], 2147483647]]}}' >longest
@@ -130,6 +133,8 @@ for edit in '--append a' '--insert a 0' '--insert a 2147483647' '--override a 21
 done
 refuses 2 '--loop 14316558: the show would last 2147483.7 s, and 2147483.647 s is the most' \
     a --loop 14316558
+refuses 2 '--loop 30000000: the show would last 4500000 s, and 2147483.647 s is the most' \
+    a --loop 30000000
 printf '{"fps": 1000, "layers": {"1.1": [["Hold", [1], 4294967295], ["Hold", [2], 6]]}}' >longer
 refuses 2 'longer: Animation lasts 2147483648 frames or more' longer
 refuses 2 '/dev/zero:1: a recording begins with "OLA Show"' /dev/zero

@@ -100,13 +100,14 @@ command -v faketime >/dev/null || {
     echo 'terminal.sh: without faketime (Debian: faketime), what takes long is left out'
     exit 0
 }
+digit='[0-9]'
 tells() { # job, then the words after lightshow
     job=$1
     shift
     told=$(on_terminal "faketime -f '+0 x10000' '$lightshow' $*")
     # shellcheck disable=SC2254 # a pattern
     case $told in
-    *"^?7l$job ... "[0-9]*' %^K^?7h^K'*) ;;
+    *"^?7l$job ... "$digit*' %^K^?7h^K'*) ;;
     *)
         printf 'terminal.sh: %s does not tell of %s, but\n%.700s\n' "$*" "$job" "$told" >&2
         exit 1
@@ -127,6 +128,8 @@ tells writing many.json --write many.json
 mkfifo pipe.json
 { printf '{' && sleep 0.1 && tail -c +2 short.json; } >pipe.json &
 tells 'reading pipe.json' pipe.json
+cat many.json >pipe.json &
+digit='[1-9]' tells 'reading pipe.json' pipe.json
 tells 'reading red\x1b[31m.json' "'$red' --describe"
 tells fitting many --loop 20 --fit --step 1
 tells drawing many --svg many.svg
