@@ -238,7 +238,7 @@ public:
 
     /// Goes on by a frame; at the end stays there.
     void next() {
-        if (at + 1 == bodyEnd && bodyBegin < bodyEnd && !finishing)
+        if (at + 1 == bodyEnd && !finishing) // an empty body begins on the next frame
             at = bodyBegin;
         else if (at < end)
             ++at;
