@@ -116,8 +116,7 @@ KeyVector join(Track& track, unsigned int begin, unsigned int end, unsigned int 
         }
         if (end - at > step) {
             at += step;
-            if (at % 4096 < step) // now and then: it takes longer than a step
-                reached(at);
+            reached(at);
             continue;
         }
         if (last && !send(end, *last)) {

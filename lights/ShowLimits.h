@@ -15,10 +15,11 @@ struct ShowLimits {
 constexpr ShowLimits unlimited{UINT64_MAX, SIZE_MAX};
 inline ShowLimits limits;
 
-/// The bytes of a file; where they are not known beforehand, as of a pipe, a very large number.
+/// The bytes of a file; 0 where they are not known beforehand, as of a pipe.
 inline double size_of(const std::string& name) {
     std::error_code unknown;
-    return static_cast<double>(std::filesystem::file_size(name, unknown));
+    const auto size = static_cast<double>(std::filesystem::file_size(name, unknown));
+    return unknown ? 0 : size;
 }
 
 /// What is said of more bytes than `limits` allow: only without them the program "reads" or

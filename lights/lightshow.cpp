@@ -152,6 +152,7 @@ void loop(Animation& show, unsigned int count) {
         return;
     Progress progress("looping");
     double done = 0;
+    const double all = static_cast<double>(show.layers.size()) * (count - 2);
     for (auto& [name, keys] : show.layers) {
         const auto begin = key_from(keys, show.introSize);
         const auto end = key_from(keys, show.introSize + body);
@@ -160,7 +161,7 @@ void loop(Animation& show, unsigned int count) {
         looped.assign(keys.cbegin(), end);
         for (unsigned int i = 2; i < count; ++i) {
             looped.insert(looped.end(), begin, end);
-            progress(++done, static_cast<double>(show.layers.size()) * (count - 2));
+            progress(++done, all);
         }
         looped.insert(looped.end(), end, keys.cend());
         keys = std::move(looped);

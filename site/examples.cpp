@@ -6,6 +6,6 @@
 #include <animationmodel/json.h>
 
 void write_svg(std::ostream& out, const std::string& /*title*/, const Kiv::Animation& animation,
-               const std::function<void(double, double)>& /*progress*/) {
+               const PictureProgress& /*progress*/) {
     out << Kiv::animation_to_json(animation);
 }

@@ -65,8 +65,7 @@ int width_of(const std::string& text) {
 /// Draws an animation; all coordinates are whole numbers, so that every machine draws the same.
 class Drawing {
 public:
-    Drawing(std::ostream& out, const Animation& animation,
-            const std::function<void(double, double)>& progress)
+    Drawing(std::ostream& out, const Animation& animation, const PictureProgress& progress)
         : out(out), animation(animation), progress(progress), range(animation),
           keys(count_keys(animation.layers)),
           duration(std::max<std::uint64_t>(1, full_duration(animation.layers))) {
@@ -255,7 +254,7 @@ private:
 
     std::ostream& out;
     const Animation& animation;
-    const std::function<void(double, double)>& progress;
+    const PictureProgress& progress;
     std::size_t done = 0; ///< Keys in a lamp, and keys in a lane.
     ValueRange range;
     std::size_t keys;
@@ -271,7 +270,7 @@ private:
 } // namespace
 
 void write_svg(std::ostream& out, const std::string& title, const Animation& animation,
-               const std::function<void(double, double)>& progress) {
+               const PictureProgress& progress) {
     Drawing(out, animation, progress).draw(title);
 }
 

@@ -62,6 +62,9 @@ Progress::~Progress() {
 }
 
 void Progress::operator()(double done, double all) {
+    if (done < due)
+        return;
+    due = done + all / 65536; // or looking at the clock takes longer than the job
     const auto now = std::chrono::steady_clock::now();
     if (now < next || isatty(STDERR_FILENO) == 0)
         return;
@@ -69,6 +72,6 @@ void Progress::operator()(double done, double all) {
     shown = true;
     // What is written next begins over the line, which does not go on in the next one.
     std::cerr << "\x1b[?7l" + job + " ... " +
-                     std::to_string(std::lround(std::floor(100 * done / all))) +
+                     std::to_string(all > 0 ? std::lround(std::floor(100 * done / all)) : 0) +
                      " %\x1b[K\r\x1b[?7h";
 }

@@ -31,7 +31,7 @@ public:
 };
 
 /// Shows on stderr, if that is a terminal, how far a job has come that takes longer than a second:
-/// what it is called with.
+/// what it is called with. `all` is 0 where nobody knows it.
 class Progress {
 public:
     explicit Progress(std::string_view job) : job(printable(job)) {}
@@ -43,6 +43,7 @@ public:
 
 private:
     std::string job;
+    double due = 0; ///< What has to be done before the clock is looked at again.
     std::chrono::steady_clock::time_point next =
         std::chrono::steady_clock::now() + std::chrono::seconds(1);
     bool shown = false;
