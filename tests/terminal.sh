@@ -134,6 +134,8 @@ tells writing many.json --write many.json
 mkfifo pipe.json
 { printf '{' && sleep 0.1 && tail -c +2 short.json; } >pipe.json &
 tells 'reading pipe.json' pipe.json
+{ printf 'OLA Show\n1 7\n' && sleep 0.1 && printf '9\n1 8\n9\n'; } >pipe.json &
+tells 'reading pipe.json' pipe.json
 cat many.json >pipe.json &
 digit='[1-9]' # how much is read of a pipe, nobody knows
 tells 'reading pipe.json' pipe.json
